@@ -1,0 +1,241 @@
+#pragma once
+
+#include <memory>
+
+#include "platform/controls/win_control.h"
+#include "platform/data/data_set.h"
+#include "platform/objects/collection.h"
+#include "platform/objects/strings.h"
+
+namespace vyn {
+
+class TCustomDBGrid;
+class TColumn;
+class TPopupMenu;
+
+enum class TDBGridOption {
+    dgEditing,
+    dgAlwaysShowEditor,
+    dgTitles,
+    dgIndicator,
+    dgColumnResize,
+    dgColLines,
+    dgRowLines,
+    dgTabs,
+    dgRowSelect,
+    dgAlwaysShowSelection,
+    dgConfirmDelete,
+    dgCancelOnExit,
+    dgMultiSelect,
+};
+using enum TDBGridOption;
+using TDBGridOptions = Set<TDBGridOption>;
+const EnumType& TypeInfoOf(TypeTag<TDBGridOption>);
+
+enum class TColumnButtonStyle { cbsAuto, cbsEllipsis, cbsNone };
+using enum TColumnButtonStyle;
+const EnumType& TypeInfoOf(TypeTag<TColumnButtonStyle>);
+
+// The heading of a column; what is not set follows the field and the grid.
+class TColumnTitle : public TPersistent {
+    VYN_OBJECT
+  public:
+    explicit TColumnTitle(TColumn* column);
+
+    TAlignment Alignment() const;
+    void SetAlignment(TAlignment value);
+    bool IsAlignmentStored() const { return alignmentSet_; }
+    // The set caption, or the field's label.
+    AnsiString Caption() const;
+    void SetCaption(const AnsiString& value);
+    bool IsCaptionStored() const { return captionSet_; }
+    TColor Color() const;
+    void SetColor(TColor value);
+    bool IsColorStored() const { return colorSet_; }
+    void Assign(const TPersistent* source) override;
+
+  private:
+    TColumn* column_;
+    AnsiString caption_;
+    TAlignment alignment_ = taLeftJustify;
+    TColor color_ = clBtnFace;
+    bool captionSet_ = false;
+    bool alignmentSet_ = false;
+    bool colorSet_ = false;
+};
+
+// A column of a grid: shows one field.
+class TColumn : public TCollectionItem {
+    VYN_OBJECT
+  public:
+    explicit TColumn(TCollection* collection);
+    ~TColumn() override;
+
+    const AnsiString& FieldName() const { return fieldName_; }
+    void SetFieldName(const AnsiString& value);
+    // The field of the grid's open dataset, or null.
+    TField* Field() const;
+    // The set width in pixels, or one that fits the field's display width.
+    int Width() const;
+    void SetWidth(int value);
+    bool IsWidthStored() const { return width_ > 0; }
+    TAlignment Alignment() const;
+    void SetAlignment(TAlignment value);
+    bool IsAlignmentStored() const { return alignmentSet_; }
+    TColor Color() const;
+    void SetColor(TColor value);
+    bool IsColorStored() const { return colorSet_; }
+    bool Visible() const { return visible_; }
+    void SetVisible(bool value);
+    bool ReadOnly() const { return readOnly_; }
+    void SetReadOnly(bool value) { readOnly_ = value; }
+    TColumnTitle* Title() const { return title_.get(); }
+    void SetTitle(TColumnTitle* value) { title_->Assign(value); }
+    TStrings* PickList() const { return const_cast<TStringList*>(&pickList_); }
+    void SetPickList(TStrings* value) { pickList_.Assign(value); }
+    TColumnButtonStyle ButtonStyle = cbsAuto;
+    int32_t DropDownRows = 7;
+    TCustomDBGrid* Grid() const;
+    void Assign(const TPersistent* source) override;
+    AnsiString DisplayName() const override { return fieldName_.empty() ? TCollectionItem::DisplayName() : fieldName_; }
+
+  private:
+    friend class TColumnTitle;
+    void Touched() { Changed(false); }
+
+    AnsiString fieldName_;
+    std::unique_ptr<TColumnTitle> title_;
+    TStringList pickList_;
+    int width_ = 0;
+    TAlignment alignment_ = taLeftJustify;
+    TColor color_ = clWindow;
+    bool alignmentSet_ = false;
+    bool colorSet_ = false;
+    bool visible_ = true;
+    bool readOnly_ = false;
+};
+
+class TDBGridColumns : public TOwnedCollection<TColumn> {
+  public:
+    explicit TDBGridColumns(TCustomDBGrid* grid);
+
+  protected:
+    void Update(TCollectionItem* item) override;
+
+  private:
+    TCustomDBGrid* grid_;
+};
+
+using TDBGridClickEvent = Event<void(TColumn* Column)>;
+using TMovedEvent = Event<void(TObject* Sender, int FromIndex, int ToIndex)>;
+
+// Shows the records of a dataset in rows and its fields in columns.
+//
+// Rows are records by number; only those that are shown are asked for, and more are fetched when the user goes to them.
+// Without columns of its own the grid shows the dataset's visible fields. Keys: arrows, Page Up and Down, Home and End
+// (with Ctrl: the first and last record), Tab between columns (dgTabs).
+class TCustomDBGrid : public TWinControl {
+    VYN_OBJECT
+  public:
+    explicit TCustomDBGrid(TComponent* owner);
+    ~TCustomDBGrid() override;
+
+    TDataSource* DataSource() const;
+    void SetDataSource(TDataSource* value);
+    // The open dataset, or null.
+    TDataSet* DataSet() const;
+    TDBGridColumns* Columns() const { return columns_.get(); }
+    void SetColumns(TDBGridColumns* value) { columns_->Assign(value); }
+    // The columns as shown: those that are set and visible, or one for each visible field.
+    const std::vector<TColumn*>& ShownColumns() const;
+    // Whether the columns are the form's own.
+    bool HasOwnColumns() const { return columns_->Count() > 0; }
+    TDBGridOptions Options() const { return options_; }
+    void SetOptions(TDBGridOptions value);
+    bool Has(TDBGridOption option) const { return options_.Contains(option); }
+    TBorderStyle BorderStyle() const { return borderStyle_; }
+    void SetBorderStyle(TBorderStyle value);
+    TColor FixedColor() const { return fixedColor_; }
+    void SetFixedColor(TColor value);
+    TFont* TitleFont();
+    void SetTitleFont(const TFont* value);
+    bool IsTitleFontStored() const { return titleFontSet_; }
+    const TFont& EffectiveTitleFont() const;
+    bool ReadOnly = false;
+    bool DefaultDrawing = true;
+
+    // What is selected and what is in sight.
+    int SelectedIndex() const { return selectedColumn_; }
+    void SetSelectedIndex(int value);
+    TField* SelectedField() const;
+    // The record of the first row shown.
+    int64_t TopRecord() const { return topRecord_; }
+    void SetTopRecord(int64_t record);
+    int VisibleRows() const;
+    int RowHeight() const;
+    int TitleHeight() const;
+    int IndicatorWidth() const;
+    // The text of a cell, fetching the record when it is not there yet; empty beyond the last.
+    AnsiString CellText(int64_t record, const TColumn& column);
+
+    TDBGridClickEvent OnCellClick;
+    TNotifyEvent OnColEnter;
+    TNotifyEvent OnColExit;
+    TMovedEvent OnColumnMoved;
+    TDBGridClickEvent OnTitleClick;
+    TNotifyEvent OnEditButtonClick;
+    TNotifyEvent OnDrawColumnCell;
+
+    // From the peer.
+    void ProcessCellClick(int64_t record, int column);
+    void ProcessTitleClick(int column);
+    void ProcessColumnResize(int column, int width);
+    void ProcessColumnMove(int from, int to);
+    void ProcessScroll(int64_t topRecord) { SetTopRecord(topRecord); }
+
+    void KeyDown(uint16_t& key, TShiftState shift) override;
+    bool WantsKey(uint16_t key, TShiftState shift) const override;
+    bool DoMouseWheel(TShiftState shift, int wheelDelta, TPoint mousePos) override;
+    void SetBounds(int left, int top, int width, int height) override;
+    void Loaded() override;
+
+  protected:
+    void Notification(TComponent* component, TOperation operation) override;
+    void FontChanged() override;
+
+  private:
+    friend class TDBGridColumns;
+    friend class TColumn;
+    class Link;
+    void DataChanged(DataEvent event);
+    void ColumnsChanged();
+    void KeepCurrentInSight();
+    void MoveRecords(int64_t distance);
+    void AdoptColumns();
+
+    std::unique_ptr<Link> link_;
+    std::unique_ptr<TDBGridColumns> columns_;
+    // Made for the dataset's fields while the form sets none; never stored.
+    mutable std::unique_ptr<TDBGridColumns> fieldColumns_;
+    mutable std::vector<TColumn*> shown_;
+    mutable bool shownValid_ = false;
+    std::unique_ptr<TFont> titleFont_;
+    bool titleFontSet_ = false;
+    TDBGridOptions options_ = {dgEditing,  dgTitles, dgIndicator,     dgColumnResize, dgColLines,
+                               dgRowLines, dgTabs,   dgConfirmDelete, dgCancelOnExit};
+    TBorderStyle borderStyle_ = TBorderStyle::bsSingle;
+    TColor fixedColor_ = clBtnFace;
+    int selectedColumn_ = 0;
+    int64_t topRecord_ = 0;
+};
+
+class TDBGrid : public TCustomDBGrid {
+    VYN_OBJECT
+  public:
+    explicit TDBGrid(TComponent* owner) : TCustomDBGrid(owner) {}
+};
+
+// Links the data-aware controls.
+void RegisterDataControlClasses();
+
+}  // namespace vyn
