@@ -1,0 +1,2 @@
+// A library that registers nothing.
+extern "C" int SilentAnswer() { return 54; }
