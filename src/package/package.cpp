@@ -1,0 +1,75 @@
+#include "package/package.h"
+
+#include "app/Utvynapp.h"
+#include "foundation/Uparametres.h"
+#include "persistence/Uvynclss.h"
+#include "platform/access/ado.h"
+#include "platform/controls/control_classes.h"
+#include "platform/controls/db_grids.h"
+#include "platform/data/fields.h"
+#include "platform/objects/class_table.h"
+#include "platform/system/application.h"
+
+namespace vyn {
+
+namespace package_detail {
+
+bool& Running() {
+    static bool running = false;
+    return running;
+}
+
+// The framework's own component classes.
+constexpr const ClassInfo& (*kFrameworkClasses[])() = {
+    &TVynApp::StaticClass,         &TParametres::StaticClass,  &TParametresChild::StaticClass,
+    &TParametresList::StaticClass, &TTreeVynLink::StaticClass,
+};
+
+void LinkFrameworkClasses() {
+    for (const auto& classOf : kFrameworkClasses) AddLinkedClass(&classOf());
+}
+
+// Classes of the platform that forms need and no palette lists: what stands between data and controls, popup menus.
+void RegisterUnlistedClasses() {
+    for (TClass each : LinkedClasses()) {
+        const bool isData = each->InheritsFrom(&TField::StaticClass()) ||
+                            each->InheritsFrom(&TDataSource::StaticClass()) ||
+                            each->InheritsFrom(&TADOConnection::StaticClass());
+        if (isData || each->Name() == "TPopupMenu") RegisterClass(each);
+    }
+}
+
+// At the end nothing is linked and nothing registered: the package may start again.
+void UnlinkAllClasses() {
+    for (TClass each : RegisteredClasses()) UnRegisterClass(each);
+    for (TClass each : LinkedClasses()) RemoveLinkedClass(each);
+}
+
+}  // namespace package_detail
+
+void InitializePackage() {
+    if (package_detail::Running()) return;
+    package_detail::Running() = true;
+    InitializeApplication();
+    RegisterDataClasses();
+    RegisterControlClasses();
+    RegisterDataControlClasses();
+    RegisterAccessClasses();
+    package_detail::LinkFrameworkClasses();
+    package_detail::RegisterUnlistedClasses();
+    InitializeParametres();
+    InitializeVynRegisteredClasses();
+    RegistraClasse(TTipusClasse::DataAccess, &TADOQuery::StaticClass(), false, TNotifyEvent());
+    RegistraClasse(TTipusClasse::DataAccess, &TADOTable::StaticClass(), false, TNotifyEvent());
+}
+
+void FinalizePackage() {
+    if (!package_detail::Running()) return;
+    package_detail::Running() = false;
+    FinalizeVynRegisteredClasses();
+    FinalizeParametres();
+    package_detail::UnlinkAllClasses();
+    FinalizeApplication();
+}
+
+}  // namespace vyn
