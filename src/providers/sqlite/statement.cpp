@@ -1,0 +1,249 @@
+#include <cmath>
+#include <cstring>
+
+#include "platform/text/compare.h"
+#include "platform/text/exceptions.h"
+#include "platform/text/numbers.h"
+#include "platform/text/windows1252.h"
+#include "providers/sqlite/connection.h"
+
+namespace vyn {
+
+namespace sqlite_provider {
+
+struct FinalizeStatement {
+    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+};
+
+constexpr double kJulianDayOfEpoch = 2415018.5;  // the Julian day number of 1899-12-30
+constexpr double kUnixDayOfEpoch = 25569;        // 1970-01-01
+constexpr double kSecondsADay = 86400;
+// A real number below this is a Julian day in a date column; an integer counts seconds from 1970.
+constexpr double kMostJulianDay = 5373485;
+
+class SqliteStatement final : public ProviderStatement {
+  public:
+    SqliteStatement(sqlite3* database, const AnsiString& sql) : database_(database) {
+        const std::string utf8 = AnsiToUtf8(sql);
+        sqlite3_stmt* prepared = nullptr;
+        const char* tail = nullptr;
+        if (sqlite3_prepare_v2(database, utf8.c_str(), static_cast<int>(utf8.size()) + 1, &prepared, &tail) !=
+            SQLITE_OK)
+            Raise(database, "The statement failed");
+        if (!prepared) throw EDatabaseError("The statement is empty");
+        statement_.reset(prepared);
+    }
+
+    std::vector<FieldDefinition> Columns() override {
+        if (!columnsKnown_) FindColumns();
+        return columns_;
+    }
+
+    void Bind(const std::vector<Variant>& parameters) override {
+        sqlite3_reset(statement_.get());
+        pendingRow_ = false;
+        for (size_t i = 0; i < parameters.size(); ++i) BindOne(static_cast<int>(i) + 1, parameters[i]);
+    }
+
+    bool Fetch(RowStore& rows, int64_t count) override {
+        if (!columnsKnown_) FindColumns();
+        for (; count > 0; --count) {
+            if (!pendingRow_) {
+                if (done_ || !Step()) return false;
+            }
+            pendingRow_ = false;
+            PutRow(rows);
+        }
+        return true;
+    }
+
+  private:
+    bool Step() {
+        const int result = sqlite3_step(statement_.get());
+        if (result == SQLITE_ROW) return true;
+        done_ = true;
+        if (result != SQLITE_DONE) Raise(database_, "The statement failed");
+        return false;
+    }
+
+    void BindOne(int index, const Variant& value) {
+        sqlite3_stmt* statement = statement_.get();
+        int result = SQLITE_OK;
+        switch (value.Type()) {
+            case varEmpty:
+            case varNull:
+                result = sqlite3_bind_null(statement, index);
+                break;
+            case varSmallint:
+            case varInteger:
+            case varByte:
+                result = sqlite3_bind_int64(statement, index, value.AsInt64());
+                break;
+            case varBoolean:
+                result = sqlite3_bind_int64(statement, index, value.AsBoolean() ? 1 : 0);
+                break;
+            case varSingle:
+            case varDouble:
+            case varCurrency:
+                result = sqlite3_bind_double(statement, index, value.AsDouble());
+                break;
+            case varDate:
+                result = BindText(index, AnsiToUtf8(ToIso8601(value.AsDateTime())));
+                break;
+            case varOleStr:
+                result = BindText(index, WideToUtf8(value.AsWideString()));
+                break;
+            case varString:
+                result = BindText(index, AnsiToUtf8(value.AsString()));
+                break;
+        }
+        if (result != SQLITE_OK) Raise(database_, "A parameter cannot be bound");
+    }
+    int BindText(int index, const std::string& text) {
+        return sqlite3_bind_text64(statement_.get(), index, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+    }
+
+    // Declared types say what columns hold; computed columns take the type of their first value.
+    void FindColumns() {
+        columnsKnown_ = true;
+        const int count = sqlite3_column_count(statement_.get());
+        for (int i = 0; i < count; ++i) {
+            FieldDefinition definition;
+            const char* name = sqlite3_column_name(statement_.get(), i);
+            definition.Name = Utf8ToAnsiLossy(name ? name : "");
+            definition.DataType = TypeOfDeclaration(sqlite3_column_decltype(statement_.get(), i), definition.Size);
+            if (definition.DataType == ftUnknown) {
+                if (!pendingRow_ && !done_) pendingRow_ = Step();
+                definition.DataType = pendingRow_ ? TypeOfValue(i) : ftString;
+            }
+            columns_.push_back(definition);
+        }
+    }
+    TFieldType TypeOfValue(int column) {
+        switch (sqlite3_column_type(statement_.get(), column)) {
+            case SQLITE_INTEGER:
+                return ftLargeint;
+            case SQLITE_FLOAT:
+                return ftFloat;
+            case SQLITE_BLOB:
+                return ftBlob;
+            default:
+                return ftString;
+        }
+    }
+
+    std::string_view TextAt(int column) {
+        const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement_.get(), column));
+        return text ? std::string_view(text, static_cast<size_t>(sqlite3_column_bytes(statement_.get(), column)))
+                    : std::string_view();
+    }
+
+    void PutRow(RowStore& rows) {
+        rows.BeginRow();
+        for (size_t i = 0; i < columns_.size(); ++i) PutValue(rows, static_cast<int>(i));
+        rows.EndRow();
+    }
+
+    void PutValue(RowStore& rows, int column) {
+        sqlite3_stmt* statement = statement_.get();
+        const TFieldType type = columns_[static_cast<size_t>(column)].DataType;
+        const int held = sqlite3_column_type(statement, column);
+        if (held == SQLITE_NULL) {
+            rows.PutNull();
+            return;
+        }
+        switch (ColumnKindOf(type)) {
+            case ColumnKind::Integer:
+                if (type == ftCurrency || type == ftBCD)
+                    PutScaled(rows, column, held);
+                else
+                    rows.PutInteger(sqlite3_column_int64(statement, column));
+                return;
+            case ColumnKind::Real:
+                if (type == ftFloat)
+                    rows.PutReal(sqlite3_column_double(statement, column));
+                else
+                    PutDate(rows, column, held);
+                return;
+            case ColumnKind::Text:
+                rows.PutBytes(TextAt(column));
+                return;
+            case ColumnKind::Bytes: {
+                const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, column));
+                const auto size = static_cast<size_t>(sqlite3_column_bytes(statement, column));
+                rows.PutBytes(bytes ? std::string_view(bytes, size) : std::string_view());
+                return;
+            }
+        }
+    }
+
+    // Money is kept in ten-thousandths; the engine holds it as a number or as text.
+    void PutScaled(RowStore& rows, int column, int held) {
+        if (held == SQLITE_INTEGER) {
+            rows.PutInteger(Currency(sqlite3_column_int64(statement_.get(), column)).Val);
+            return;
+        }
+        Currency amount;
+        if (held == SQLITE_TEXT && TryStrToCurr(TextAt(column), amount, InvariantFormatSettings()))
+            rows.PutInteger(amount.Val);
+        else
+            rows.PutInteger(Currency(sqlite3_column_double(statement_.get(), column)).Val);
+    }
+
+    void PutDate(RowStore& rows, int column, int held) {
+        if (held == SQLITE_TEXT) {
+            TDateTime date;
+            std::string text(TextAt(column));
+            const size_t blank = text.find(' ');
+            if (blank != std::string::npos) text[blank] = 'T';
+            if (text.find('-') == std::string::npos && text.find(':') != std::string::npos) text = "1899-12-30T" + text;
+            if (TryFromIso8601(text, date))
+                rows.PutReal(date.Val);
+            else
+                rows.PutNull();  // what is no date is shown as none
+            return;
+        }
+        const double number = sqlite3_column_double(statement_.get(), column);
+        if (held == SQLITE_INTEGER)
+            rows.PutReal(number / kSecondsADay + kUnixDayOfEpoch);
+        else
+            rows.PutReal(number < kMostJulianDay ? number - kJulianDayOfEpoch : number);
+    }
+
+    sqlite3* database_;
+    std::unique_ptr<sqlite3_stmt, FinalizeStatement> statement_;
+    std::vector<FieldDefinition> columns_;
+    bool columnsKnown_ = false;
+    bool pendingRow_ = false;  // stepped to, not yet put
+    bool done_ = false;
+};
+
+std::unique_ptr<ProviderStatement> PrepareStatement(sqlite3* database, const AnsiString& sql) {
+    return std::make_unique<SqliteStatement>(database, sql);
+}
+
+TFieldType TypeOfDeclaration(const char* declared, int& size) {
+    size = 0;
+    if (!declared) return ftUnknown;
+    const AnsiString type = UpperCase(declared);
+    const auto has = [&](const char* word) { return type.find(word) != AnsiString::npos; };
+    const size_t parenthesis = type.find('(');
+    if (parenthesis != AnsiString::npos) size = std::atoi(type.c_str() + parenthesis + 1);
+    if (has("BOOL")) return ftBoolean;
+    if (has("CURRENCY") || has("MONEY") || has("DECIMAL") || has("NUMERIC")) return ftCurrency;
+    if (has("DATETIME") || has("TIMESTAMP")) return ftDateTime;
+    if (has("DATE")) return ftDate;
+    if (has("TIME")) return ftTime;
+    if (has("BIGINT")) return ftLargeint;
+    if (has("SMALLINT") || has("TINYINT")) return ftSmallint;
+    if (has("INT")) return ftInteger;
+    if (has("CLOB") || has("MEMO")) return ftMemo;
+    if (has("CHAR") || has("TEXT")) return ftString;
+    if (has("BLOB") || has("BINARY")) return ftBlob;
+    if (has("REAL") || has("FLOA") || has("DOUB")) return ftFloat;
+    return ftUnknown;
+}
+
+}  // namespace sqlite_provider
+
+}  // namespace vyn
