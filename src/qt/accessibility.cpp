@@ -1,0 +1,88 @@
+#include "qt/accessibility.h"
+
+#include <QAccessible>
+#include <QAccessibleWidget>
+#include <QApplication>
+#include <QWidget>
+
+#include "platform/controls/bit_buttons.h"
+#include "platform/controls/groups.h"
+#include "platform/controls/images.h"
+#include "platform/controls/labels.h"
+#include "platform/controls/lists.h"
+#include "platform/controls/pages.h"
+#include "platform/controls/panels.h"
+#include "platform/controls/status_bars.h"
+#include "platform/controls/tool_bars.h"
+#include "platform/controls/tree_views.h"
+#include "qt/rows_accessibility.h"
+#include "qt/widget_peer.h"
+
+namespace vyn::qt {
+
+namespace accessibility_detail {
+
+// What a widget that we draw ourselves is; NoRole for the toolkit's own, which know it.
+QAccessible::Role RoleOf(const TControl& control) {
+    if (ObjectCast<TCustomLabel>(&control) || ObjectCast<TCustomStaticText>(&control)) return QAccessible::StaticText;
+    if (ObjectCast<TImage>(&control)) return QAccessible::Graphic;
+    if (ObjectCast<TSpeedButton>(&control) || ObjectCast<TToolButton>(&control)) return QAccessible::Button;
+    if (ObjectCast<TCustomGroupBox>(&control)) return QAccessible::Grouping;
+    if (ObjectCast<TCustomPanel>(&control)) return QAccessible::Pane;
+    if (ObjectCast<TStatusBar>(&control)) return QAccessible::StatusBar;
+    if (ObjectCast<TToolBar>(&control)) return QAccessible::ToolBar;
+    if (ObjectCast<TSplitter>(&control)) return QAccessible::Splitter;
+    if (ObjectCast<TTabSheet>(&control)) return QAccessible::Pane;
+    return QAccessible::NoRole;
+}
+
+void NameWidget(QWidget& widget, const WidgetPeer& peer) {
+    if (widget.accessibleName().isEmpty())
+        if (const QString name = peer.AccessibleName(); !name.isEmpty()) widget.setAccessibleName(name);
+    if (widget.accessibleDescription().isEmpty())
+        if (const QString text = peer.AccessibleDescription(); !text.isEmpty()) widget.setAccessibleDescription(text);
+}
+
+// The toolkit makes interfaces whether or not anybody listens; names are looked for when somebody does.
+class Listener final : public QAccessible::ActivationObserver {
+  public:
+    void accessibilityActiveChanged(bool active) override {
+        if (!active) return;
+        for (QWidget* widget : QApplication::allWidgets())
+            if (auto* link = dynamic_cast<PeerLink*>(widget); link && link->Peer()) NameWidget(*widget, *link->Peer());
+    }
+};
+
+Listener& TheListener() {
+    static Listener listener;
+    return listener;
+}
+
+QAccessibleInterface* MakeInterface(const QString& className, QObject* object) {
+    // The first question is for the most derived class; the toolkit's answers follow.
+    if (!object || !object->isWidgetType() || className != QLatin1String(object->metaObject()->className()))
+        return nullptr;
+    auto* widget = static_cast<QWidget*>(object);
+    auto* link = dynamic_cast<PeerLink*>(widget);
+    if (!link || !link->Peer()) return nullptr;
+    const WidgetPeer& peer = *link->Peer();
+    if (QAccessible::isActive()) NameWidget(*widget, peer);
+    if (widget != peer.Widget()) return nullptr;
+    if (QAccessibleInterface* rows = MakeRowsInterface(widget)) return rows;
+    const QAccessible::Role role = RoleOf(peer.Control());
+    return role == QAccessible::NoRole ? nullptr : new QAccessibleWidget(widget, role);
+}
+
+}  // namespace accessibility_detail
+
+void InstallAccessibility() {
+    QAccessible::installFactory(accessibility_detail::MakeInterface);
+    QAccessible::installActivationObserver(&accessibility_detail::TheListener());
+}
+
+void RemoveAccessibility() {
+    QAccessible::removeActivationObserver(&accessibility_detail::TheListener());
+    QAccessible::removeFactory(accessibility_detail::MakeInterface);
+}
+
+}  // namespace vyn::qt

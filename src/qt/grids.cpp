@@ -1,0 +1,351 @@
+#include <QAbstractScrollArea>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScrollBar>
+#include <QStyle>
+#include <QStyleOptionHeader>
+#include <algorithm>
+
+#include "platform/controls/db_grids.h"
+#include "qt/factory.h"
+#include "qt/looks.h"
+#include "qt/painted.h"
+#include "qt/text.h"
+
+// Grids over datasets: the peer paints the cells that are in sight, and asks the grid for those alone.
+namespace vyn::qt {
+
+namespace grid_detail {
+
+constexpr int kTextMargin = 4;
+constexpr int kGripWidth = 4;     // around a title's right edge: the mouse sizes the column there
+constexpr int kDragDistance = 6;  // beyond this a pressed title is being moved
+
+class GridPeer;
+
+class GridWidget final : public NativeScrolling<QAbstractScrollArea> {
+  public:
+    GridWidget(GridPeer* peer, QWidget* parent);
+
+  protected:
+    void paintEvent(QPaintEvent*) override;
+    void resizeEvent(QResizeEvent*) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void scrollContentsBy(int, int) override;
+
+  private:
+    GridPeer* Grid() const;
+};
+
+class GridPeer final : public PeerOf<TCustomDBGrid> {
+  public:
+    using PeerOf::PeerOf;
+
+    void Paint(QPainter& painter, const QRect& viewport) {
+        const TCustomDBGrid& grid = Self();
+        PaintTitles(painter, viewport);
+        const QPalette& palette = widget_->palette();
+        const int rowHeight = grid.RowHeight();
+        const TDataSet* data = grid.DataSet();
+        if (!data) return;
+        const QColor lines = palette.color(QPalette::Midlight);
+        painter.setFont(ToQFont(grid.EffectiveFont()));
+        int y = grid.TitleHeight();
+        for (int64_t record = grid.TopRecord(); y < viewport.height(); ++record, y += rowHeight) {
+            if (record >= const_cast<TDataSet*>(data)->FetchTo(record + 1)) break;
+            PaintRow(painter, viewport, record, y, rowHeight, lines);
+        }
+    }
+
+    bool WheelsByItself() const override { return false; }
+
+    void Press(const QPoint& at) {
+        pressedTitle_ = sizedColumn_ = -1;
+        if (at.y() < Self().TitleHeight()) {
+            sizedColumn_ = GripAt(at.x());
+            if (sizedColumn_ < 0) pressedTitle_ = ColumnAt(at.x());
+            pressedAt_ = at;
+            moving_ = false;
+            return;
+        }
+        const int64_t record = Self().TopRecord() + (at.y() - Self().TitleHeight()) / std::max(1, Self().RowHeight());
+        Guard(&Self(), [&] { Self().ProcessCellClick(record, ColumnAt(at.x())); });
+    }
+
+    void Move(const QPoint& at) {
+        if (sizedColumn_ >= 0) {
+            const int width = at.x() - ColumnLeft(sizedColumn_);
+            Guard(&Self(), [&] { Self().ProcessColumnResize(sizedColumn_, width); });
+            return;
+        }
+        if (pressedTitle_ >= 0) {
+            moving_ = moving_ || std::abs(at.x() - pressedAt_.x()) > kDragDistance;
+            return;
+        }
+        const bool grip = at.y() < Self().TitleHeight() && GripAt(at.x()) >= 0;
+        Area()->viewport()->setCursor(grip ? Qt::SplitHCursor : Qt::ArrowCursor);
+    }
+
+    void Release(const QPoint& at) {
+        const int pressed = pressedTitle_;
+        pressedTitle_ = sizedColumn_ = -1;
+        if (pressed < 0) return;
+        const int target = ColumnAt(at.x());
+        Guard(&Self(), [&] {
+            if (moving_ && target >= 0 && target != pressed)
+                Self().ProcessColumnMove(pressed, target);
+            else if (!moving_)
+                Self().ProcessTitleClick(pressed);
+        });
+    }
+
+    void Scrolled() {
+        if (updating_ > 0) return;
+        Guard(&Self(), [&] { Self().ProcessScroll(Area()->verticalScrollBar()->value()); });
+        Area()->viewport()->update();
+        UpdateBars();
+    }
+
+    void Resized() { UpdateBars(); }
+
+    void Changed(PeerChange what) override {
+        if (what == PeerChange::Scroll) {
+            UpdateBars();
+            Area()->viewport()->update();
+            return;
+        }
+        PeerOf::Changed(what);
+        if (what == PeerChange::Invalidate) Area()->viewport()->update();
+    }
+
+    QString AccessibleName() const override {
+        const TDataSource* source = Self().DataSource();
+        return source && source->DataSet() ? ToQt(source->DataSet()->Name()) : QString();
+    }
+
+  protected:
+    QWidget* MakeWidget(QWidget* parent) override {
+        auto* area = new GridWidget(this, parent);
+        area->viewport()->setBackgroundRole(QPalette::Base);
+        area->viewport()->setMouseTracking(true);
+        area->setFocusPolicy(FocusPolicyOf(Self()));
+        return area;
+    }
+    QPalette::ColorRole BackgroundRole() const override { return QPalette::Base; }
+    TColor NativeColor() const override { return clWindow; }
+    void ApplyStyle() override {
+        Area()->setFrameStyle(Self().BorderStyle() == TBorderStyle::bsSingle
+                                  ? int(QFrame::StyledPanel) | int(QFrame::Sunken)
+                                  : int(QFrame::NoFrame));
+        ApplyItems();
+    }
+    void ApplyItems() override {
+        UpdateBars();
+        Area()->viewport()->update();
+    }
+    void ApplySelection() override {
+        // The chosen column comes into sight.
+        const int left = ColumnLeft(Self().SelectedIndex());
+        const auto& columns = Self().ShownColumns();
+        QScrollBar* bar = Area()->horizontalScrollBar();
+        if (Self().SelectedIndex() < static_cast<int>(columns.size())) {
+            const int right = left + columns[static_cast<size_t>(Self().SelectedIndex())]->Width();
+            if (left < Self().IndicatorWidth())
+                bar->setValue(bar->value() + left - Self().IndicatorWidth());
+            else if (right > Area()->viewport()->width())
+                bar->setValue(bar->value() +
+                              std::min(right - Area()->viewport()->width(), left - Self().IndicatorWidth()));
+        }
+        UpdateBars();
+        Area()->viewport()->update();
+    }
+    void ApplyFont() override {
+        PeerOf::ApplyFont();
+        ApplyItems();
+    }
+
+  private:
+    QAbstractScrollArea* Area() const { return static_cast<QAbstractScrollArea*>(widget_); }
+
+    int ColumnLeft(int index) const {
+        int left = Self().IndicatorWidth() - Area()->horizontalScrollBar()->value();
+        const auto& columns = Self().ShownColumns();
+        for (int i = 0; i < index && i < static_cast<int>(columns.size()); ++i)
+            left += columns[static_cast<size_t>(i)]->Width();
+        return left;
+    }
+    int ColumnAt(int x) const {
+        const auto& columns = Self().ShownColumns();
+        int left = ColumnLeft(0);
+        for (size_t i = 0; i < columns.size(); ++i) {
+            const int right = left + columns[i]->Width();
+            if (x >= left && x < right) return static_cast<int>(i);
+            left = right;
+        }
+        return -1;
+    }
+    // The column whose right edge is under the mouse.
+    int GripAt(int x) const {
+        if (!Self().Has(dgColumnResize)) return -1;
+        const auto& columns = Self().ShownColumns();
+        int right = ColumnLeft(0);
+        for (size_t i = 0; i < columns.size(); ++i) {
+            right += columns[i]->Width();
+            if (std::abs(x - right) <= kGripWidth) return static_cast<int>(i);
+        }
+        return -1;
+    }
+
+    void UpdateBars() {
+        const Updating updating(*this);
+        TCustomDBGrid& grid = Self();
+        const TDataSet* data = grid.DataSet();
+        const int rows = grid.VisibleRows();
+        QScrollBar* vertical = Area()->verticalScrollBar();
+        const int64_t fetched = data ? data->RecordsFetched() : 0;
+        // While there may be more, one page more can be scrolled to, which fetches it.
+        const int64_t beyond = data && !data->AllFetched() ? rows : 0;
+        const int64_t last = std::clamp<int64_t>(fetched - rows + beyond, 0, INT_MAX);
+        vertical->setRange(0, static_cast<int>(last));
+        vertical->setPageStep(rows);
+        vertical->setValue(static_cast<int>(std::min<int64_t>(grid.TopRecord(), INT_MAX)));
+        int width = grid.IndicatorWidth();
+        for (const TColumn* column : grid.ShownColumns()) width += column->Width();
+        QScrollBar* horizontal = Area()->horizontalScrollBar();
+        horizontal->setRange(0, std::max(0, width - Area()->viewport()->width()));
+        horizontal->setPageStep(Area()->viewport()->width());
+        horizontal->setSingleStep(grid.RowHeight());
+    }
+
+    void PaintTitles(QPainter& painter, const QRect& viewport) {
+        const TCustomDBGrid& grid = Self();
+        const int height = grid.TitleHeight();
+        if (height == 0) return;
+        const QPalette& palette = widget_->palette();
+        painter.setFont(ToQFont(grid.EffectiveTitleFont()));
+        painter.fillRect(QRect(0, 0, viewport.width(), height), ToQColor(grid.FixedColor(), palette));
+        int left = ColumnLeft(0);
+        for (const TColumn* column : grid.ShownColumns()) {
+            const QRect cell(left, 0, column->Width(), height);
+            left += column->Width();
+            if (cell.right() < 0) continue;
+            if (cell.left() > viewport.width()) break;
+            painter.setPen(palette.color(QPalette::ButtonText));
+            painter.drawText(cell.adjusted(kTextMargin, 0, -kTextMargin, 0),
+                             AlignmentFlags(column->Title()->Alignment()) | Qt::AlignVCenter,
+                             painter.fontMetrics().elidedText(ToQt(column->Title()->Caption()), Qt::ElideRight,
+                                                              cell.width() - 2 * kTextMargin));
+            painter.setPen(palette.color(QPalette::Mid));
+            painter.drawLine(cell.right(), cell.top() + 3, cell.right(), cell.bottom() - 3);
+        }
+        if (grid.IndicatorWidth() > 0)
+            painter.fillRect(QRect(0, 0, grid.IndicatorWidth(), height), ToQColor(grid.FixedColor(), palette));
+        painter.setPen(palette.color(QPalette::Mid));
+        painter.drawLine(0, height - 1, viewport.width(), height - 1);
+    }
+
+    void PaintRow(QPainter& painter, const QRect& viewport, int64_t record, int y, int rowHeight, const QColor& lines) {
+        TCustomDBGrid& grid = Self();
+        const bool current = grid.DataSet()->CurrentRecord() == record;
+        const bool focused = widget_->hasFocus();
+        const auto& columns = grid.ShownColumns();
+        int left = ColumnLeft(0);
+        for (size_t i = 0; i < columns.size(); ++i) {
+            const TColumn& column = *columns[i];
+            const QRect cell(left, y, column.Width(), rowHeight);
+            left += column.Width();
+            if (cell.right() < 0) continue;
+            if (cell.left() > viewport.width()) break;
+            const bool chosen = current && (grid.Has(dgRowSelect) || static_cast<int>(i) == grid.SelectedIndex());
+            PaintCell(painter, cell, column, record, chosen, focused);
+            if (grid.Has(dgColLines)) {
+                painter.setPen(lines);
+                painter.drawLine(cell.right(), cell.top(), cell.right(), cell.bottom());
+            }
+        }
+        if (grid.Has(dgRowLines)) {
+            painter.setPen(lines);
+            painter.drawLine(grid.IndicatorWidth(), y + rowHeight - 1, std::min(left, viewport.width()) - 1,
+                             y + rowHeight - 1);
+        }
+        if (grid.IndicatorWidth() > 0) PaintIndicator(painter, QRect(0, y, grid.IndicatorWidth(), rowHeight), current);
+    }
+
+    void PaintCell(QPainter& painter, const QRect& cell, const TColumn& column, int64_t record, bool chosen,
+                   bool focused) {
+        const QPalette& palette = widget_->palette();
+        if (chosen) {
+            const QPalette::ColorGroup group = focused ? QPalette::Active : QPalette::Inactive;
+            painter.fillRect(cell, palette.brush(group, QPalette::Highlight));
+            painter.setPen(palette.color(group, QPalette::HighlightedText));
+        } else {
+            if (column.IsColorStored()) painter.fillRect(cell, ToQColor(column.Color(), palette));
+            painter.setPen(palette.color(QPalette::Text));
+        }
+        const QString text = ToQt(Self().CellText(record, column)).simplified();
+        if (text.isEmpty()) return;
+        const QRect inside = cell.adjusted(kTextMargin, 0, -kTextMargin, 0);
+        const bool fits = painter.fontMetrics().horizontalAdvance(text) <= inside.width();
+        painter.drawText(inside, AlignmentFlags(column.Alignment()) | Qt::AlignVCenter,
+                         fits ? text : painter.fontMetrics().elidedText(text, Qt::ElideRight, inside.width()));
+    }
+
+    void PaintIndicator(QPainter& painter, const QRect& cell, bool current) {
+        const QPalette& palette = widget_->palette();
+        painter.fillRect(cell, ToQColor(Self().FixedColor(), palette));
+        if (!current) return;
+        const int middle = cell.center().y();
+        const int size = 4;
+        QPolygon arrow;
+        arrow << QPoint(cell.left() + 4, middle - size) << QPoint(cell.left() + 4 + size, middle)
+              << QPoint(cell.left() + 4, middle + size);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(palette.color(QPalette::ButtonText));
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.drawPolygon(arrow);
+        painter.setRenderHint(QPainter::Antialiasing, false);
+    }
+
+    int pressedTitle_ = -1;
+    int sizedColumn_ = -1;
+    QPoint pressedAt_;
+    bool moving_ = false;
+};
+
+GridWidget::GridWidget(GridPeer* peer, QWidget* parent) : NativeScrolling<QAbstractScrollArea>(peer, parent) {}
+
+GridPeer* GridWidget::Grid() const { return static_cast<GridPeer*>(Peer()); }
+
+void GridWidget::paintEvent(QPaintEvent*) {
+    if (!Grid()) return;
+    QPainter painter(viewport());
+    Guard(&Grid()->Control(), [&] { Grid()->Paint(painter, viewport()->rect()); });
+}
+
+void GridWidget::resizeEvent(QResizeEvent*) {
+    if (Grid()) Grid()->Resized();
+}
+
+void GridWidget::mousePressEvent(QMouseEvent* event) {
+    if (Grid() && event->button() == Qt::LeftButton) Grid()->Press(event->position().toPoint());
+}
+
+void GridWidget::mouseMoveEvent(QMouseEvent* event) {
+    if (Grid()) Grid()->Move(event->position().toPoint());
+}
+
+void GridWidget::mouseReleaseEvent(QMouseEvent* event) {
+    if (Grid() && event->button() == Qt::LeftButton) Grid()->Release(event->position().toPoint());
+}
+
+void GridWidget::scrollContentsBy(int, int) {
+    if (Grid()) Grid()->Scrolled();
+}
+
+}  // namespace grid_detail
+
+void RegisterGridPeers() { RegisterPeer(&TCustomDBGrid::StaticClass(), &NewPeer<grid_detail::GridPeer>); }
+
+}  // namespace vyn::qt
