@@ -1,0 +1,86 @@
+#include "programs/host/grid_form.h"
+
+#include "platform/controls/form_classes.h"
+#include "platform/controls/labels.h"
+#include "platform/controls/status_bars.h"
+#include "platform/text/compare.h"
+#include "platform/text/exceptions.h"
+#include "platform/text/numbers.h"
+#include "programs/host/entry_buttons.h"
+
+namespace vyn {
+
+const ClassInfo& TFRMDBGrid::StaticClass() {
+    static const ClassInfo info = DefineForm<TFRMDBGrid, TCustomFRM>("TFRMDBGrid")
+                                      .Method("FontDataChange", &TFRMDBGrid::FontDataChange)
+                                      .Method("ActualitzarClick", &TFRMDBGrid::ActualitzarClick);
+    return info;
+}
+
+TFRMDBGrid::~TFRMDBGrid() {
+    BeginDestruction();
+    DestroyComponents();
+}
+
+TCustomADODataSet* TFRMDBGrid::Query() const { return ObjectCast<TCustomADODataSet>(FindComponent("Consulta")); }
+
+bool TFRMDBGrid::NodeLoaded() {
+    if (VynApp() && IDNode() > 0) {
+        const TNodeArbre node = VynApp()->Tree().GetIDNode(IDNode());
+        SetCaption(node.Name);
+        if (auto* title = ObjectCast<TLabel>(FindComponent("Titol"))) title->SetCaption(PlainCaption(node.Name));
+    }
+    OpenQuery();
+    return true;
+}
+
+void TFRMDBGrid::OpenQuery() {
+    TCustomADODataSet* query = Query();
+    if (!query) return;
+    const auto* statement = ObjectCast<TADOQuery>(query);
+    if (statement && Trim(statement->SQL()->Text()).empty()) return;
+    try {
+        query->Open();
+    } catch (const EDatabaseError& error) {
+        ShowStatus(error.Message());
+    }
+}
+
+void TFRMDBGrid::ActualitzarClick(TObject*) {
+    TCustomADODataSet* query = Query();
+    if (!query) return;
+    const int64_t record = query->Active() ? query->CurrentRecord() : 0;
+    query->Close();
+    OpenQuery();
+    if (query->Active()) query->SetCurrentRecord(record);
+}
+
+void TFRMDBGrid::FontDataChange(TObject*, TField*) {
+    const TCustomADODataSet* query = Query();
+    if (!query || !query->Active()) {
+        ShowStatus({});
+        return;
+    }
+    const AnsiString count = IntToStr(query->RecordsFetched()) + (query->AllFetched() ? "" : "+");
+    ShowStatus("Registre " + IntToStr(query->RecNo()) + " de " + count);
+}
+
+void TFRMDBGrid::ShowStatus(const AnsiString& text) {
+    if (auto* bar = ObjectCast<TStatusBar>(FindComponent("Estat"))) bar->SetSimpleText(text);
+}
+
+void TFRMDBGrid::CleanStored(TRecursosObjecte& resources) {
+    TCustomFRM::CleanStored(resources);
+    // What the node and its records say is found again each time.
+    const auto forget = [&](TRecursosObjecte* object, const char* property) {
+        if (object)
+            std::erase_if(object->Propietats,
+                          [&](const TPropietatObjecte& each) { return SameText(each.Name, property); });
+    };
+    forget(&resources, "Caption");
+    forget(ExisteixObjecte(&resources, "Titol", TotElArbre), "Caption");
+    forget(ExisteixObjecte(&resources, "Estat", TotElArbre), "SimpleText");
+    forget(ExisteixObjecte(&resources, "Consulta", TotElArbre), "Active");
+}
+
+}  // namespace vyn
