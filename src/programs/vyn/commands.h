@@ -1,0 +1,58 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/streams/stream.h"
+
+namespace vyn {
+
+// The program's subcommands. Each gives the exit status: 0 done, 1 failed (an exception is a failure too: main tells
+// it). Texts are UTF-8.
+
+struct RunOptions {
+    std::string File;
+    std::string Database;    // empty: the application's own
+    std::string ValuesFile;  // empty: beside the application
+    int Node = 0;            // opened straight away; 0: none
+    bool Demo = false;       // the sample application with its own database
+};
+
+struct ShotOptions {
+    RunOptions Application;
+    std::string Output;
+    int Width = 0;  // 0: as the window is stored
+    int Height = 0;
+};
+
+int BuildCommand(const std::string& folder, const std::string& output);
+int ExportCommand(const std::string& file, const std::string& folder);
+int DumpCommand(const std::string& file, bool json);
+int PasswordCommand();
+int CompletionCommand(const std::string& shell);
+
+// With windows (windows_commands.cpp).
+int RunCommand(const RunOptions& options, int argc, char** argv);
+int ShotCommand(const ShotOptions& options, int argc, char** argv);
+
+// Opens an application file; a source folder is built in memory first (its errors go to standard error).
+std::unique_ptr<TStream> OpenApplicationStream(const std::string& file);
+
+// "vyn: text" on standard error; line feeds of the text are kept.
+void Complain(const std::string& utf8Text);
+
+// Shows how far long work has come, on standard error when that is a terminal, from the second second on.
+class Progress {
+  public:
+    explicit Progress(std::string what);
+    ~Progress();
+    void operator()(double part);
+
+  private:
+    std::string what_;
+    uint64_t startedAt_;
+    int shown_ = -1;
+    bool visible_;
+};
+
+}  // namespace vyn
