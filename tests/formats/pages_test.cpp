@@ -1,0 +1,142 @@
+// What the pages of docs/formats show is what the code reads and writes.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "foundation/Uparametres.h"
+#include "page.h"
+#include "platform/streams/reader.h"
+#include "platform/streams/stream.h"
+#include "platform/streams/text_form.h"
+#include "platform/streams/writer.h"
+
+using namespace vyn;
+using format_pages::Page;
+
+namespace {
+
+// The example of a page that shows a form both as bytes and as text.
+void ExpectFormAndTextAgree(const Page& page) {
+    const std::string bytes = page.ExampleBytes();
+    const std::string text = page.ExampleText("object ");
+    TViewStream binary(bytes);
+    EXPECT_EQ(BinaryToText(binary), text);
+    TMemoryStream made;
+    TextToBinary(text, made);
+    EXPECT_EQ(made.Bytes(), bytes);
+}
+
+}  // namespace
+
+TEST(FormatPages, EveryPageHasItsGrammarLimitsAndExample) {
+    const auto pages = Page::All();
+    ASSERT_FALSE(pages.empty());
+    for (const auto& name : pages) {
+        const Page page(name);
+        EXPECT_TRUE(page.HasHeading("Limits")) << name;
+        EXPECT_TRUE(page.HasHeading("Example")) << name;
+        if (name != "source-folder.md") {
+            EXPECT_TRUE(page.HasHeading("Grammar")) << name;
+        }
+    }
+}
+
+TEST(FormatPages, TheIndexNamesEveryPage) {
+    const std::string index = Page::Text("README.md");
+    for (const auto& name : Page::All()) EXPECT_THAT(index, testing::HasSubstr("(" + name + ")"));
+}
+
+TEST(FormatPages, ExamplesOfStreamsAreWholeValues) {
+    for (const char* name : {"values.md", "parameters.md", "resources.md", "tree.md", "components.md", "application.md",
+                             "user-values.md"}) {
+        const std::string bytes = Page(name).ExampleBytes();
+        TViewStream stream(bytes);
+        TReader reader(stream);
+        int values = 0;
+        for (; reader.BytesLeft() > 0; ++values) ASSERT_NO_THROW(reader.SkipValue()) << name;
+        EXPECT_GT(values, 1) << name;
+    }
+}
+
+TEST(FormatPages, TheValuesAreReadAsThePageSays) {
+    const std::string bytes = Page("values.md").ExampleBytes();
+    TViewStream stream(bytes);
+    TReader reader(stream);
+    EXPECT_EQ(reader.ReadInteger(), 5);
+    EXPECT_EQ(reader.ReadInteger(), -1);
+    EXPECT_EQ(reader.ReadInteger(), 200);
+    EXPECT_EQ(reader.ReadInteger(), 70000);
+    EXPECT_EQ(reader.ReadInt64(), 1099511627776);
+    EXPECT_EQ(reader.ReadFloat(), 1.5L);
+    EXPECT_EQ(static_cast<double>(reader.ReadFloat()), -0.1);
+    EXPECT_EQ(reader.ReadString(), "A\xF1o");
+    EXPECT_EQ(reader.ReadIdent(), "alClient");
+    EXPECT_FALSE(reader.ReadBoolean());
+    EXPECT_TRUE(reader.ReadBoolean());
+    EXPECT_EQ(reader.ReadBinaryView(), "\x01\x02\xFF");
+    EXPECT_EQ(reader.ReadValue(), vaSet);
+    EXPECT_EQ(reader.ReadNameView(), "akLeft");
+    EXPECT_EQ(reader.ReadNameView(), "akTop");
+    EXPECT_EQ(reader.ReadNameView(), "");
+    EXPECT_EQ(reader.ReadValue(), vaNil);
+    EXPECT_EQ(reader.ReadSingle(), 0.25f);
+    EXPECT_EQ(reader.ReadCurrency().Val, 125000);
+    EXPECT_EQ(reader.ReadDate().Val, 46347.5);
+    EXPECT_EQ(reader.ReadWideString(), u"A\u00F1o");
+    reader.ReadListBegin();
+    EXPECT_EQ(reader.ReadInteger(), 1);
+    EXPECT_EQ(reader.ReadString(), "b");
+    reader.ReadListEnd();
+    EXPECT_EQ(reader.NextValue(), vaCollection);
+    reader.SkipValue();
+    EXPECT_EQ(reader.BytesLeft(), 0);
+}
+
+TEST(FormatPages, TheWriterWritesTheValuesOfThePage) {
+    TMemoryStream stream;
+    TWriter writer(stream);
+    for (const int64_t value : {int64_t{5}, int64_t{-1}, int64_t{200}, int64_t{70000}, int64_t{1099511627776}}) {
+        writer.WriteInteger(value);
+    }
+    writer.WriteFloat(1.5L);
+    writer.WriteFloat(-0.1);
+    writer.WriteString("A\xF1o");
+    writer.WriteIdent("alClient");
+    writer.WriteBoolean(false);
+    writer.WriteBoolean(true);
+    writer.WriteBinary("\x01\x02\xFF");
+    writer.WriteValue(vaSet);
+    for (const char* name : {"akLeft", "akTop", ""}) writer.WriteName(name);
+    writer.WriteNil();
+    writer.WriteSingle(0.25f);
+    writer.WriteCurrency(Currency::FromScaled(125000));
+    writer.WriteDate(TDateTime(46347.5));
+    writer.WriteWideString(u"A\u00F1o");
+    writer.WriteListBegin();
+    writer.WriteInteger(1);
+    writer.WriteString("b");
+    writer.WriteListEnd();
+    writer.Flush();
+    // What is left is the collection, which only a form writes.
+    const std::string bytes = Page("values.md").ExampleBytes();
+    EXPECT_EQ(stream.Bytes(), bytes.substr(0, stream.Bytes().size()));
+    EXPECT_EQ(bytes[stream.Bytes().size()], static_cast<char>(vaCollection));
+}
+
+TEST(FormatPages, TheFormIsItsText) { ExpectFormAndTextAgree(Page("form.md")); }
+
+TEST(FormatPages, TheTextFormIsItsBytes) { ExpectFormAndTextAgree(Page("form-text.md")); }
+
+TEST(FormatPages, TheParameterSetIsReadAndWrittenBack) {
+    const std::string bytes = Page("parameters.md").ExampleBytes();
+    TViewStream stream(bytes);
+    TParametres set(nullptr);
+    set.LoadFromStream(&stream);
+    EXPECT_EQ(set.Count(false), 7);
+    EXPECT_EQ(set.GetParametreValue("empresa").AsString(), "Comer\xE7 Mar");
+    EXPECT_EQ(set.GetParametreValue("Any").AsInteger(), 2026);
+    EXPECT_TRUE(set.GetParametreValue("Nota").IsNull());
+    TMemoryStream written;
+    set.SaveToStream(&written);
+    EXPECT_EQ(written.Bytes(), bytes);
+}
