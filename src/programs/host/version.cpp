@@ -2,6 +2,6 @@
 
 namespace vyn {
 
-const char *const CT_VersioPrograma = VYN_VERSION;
+const char* const CT_VersioPrograma = VYN_VERSION;
 
 }  // namespace vyn

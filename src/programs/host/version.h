@@ -3,6 +3,6 @@
 namespace vyn {
 
 // The program's version, as --version prints it: the build's own number.
-extern const char *const CT_VersioPrograma;
+extern const char* const CT_VersioPrograma;
 
 }  // namespace vyn
