@@ -28,6 +28,9 @@ const ClassInfo& TMappedFileStream::StaticClass() {
 namespace file_detail {
 
 constexpr mode_t kNewFileMode = 0666;
+// Pieces from this size on are worth a reservation, and how far ahead it reaches.
+constexpr int64_t kReserveFrom = 256 * 1024;
+constexpr int64_t kReserveStep = 16 * 1024 * 1024;
 
 AnsiString Reason(int error) { return Utf8ToAnsiLossy(std::strerror(error)); }
 
@@ -83,9 +86,34 @@ TFileStream::TFileStream(const AnsiString& fileName, TFileMode mode) : fileName_
     // Readers share; a file being written is kept for its writer. Only a hint to others of the house, so a file
     // system without locks is no error.
     ::flock(handle_, (mode == fmOpenRead ? LOCK_SH : LOCK_EX) | LOCK_NB);
+    reserves_ = mode == fmCreate;
 }
 
-TFileStream::~TFileStream() { ::close(handle_); }
+TFileStream::~TFileStream() {
+    GiveBackReserve();
+    ::close(handle_);
+}
+
+// Only a hint: a file system that cannot, or has not that much left, is asked no more, and writing says what is wrong.
+void TFileStream::ReserveAhead(int64_t count) {
+#ifdef FALLOC_FL_KEEP_SIZE
+    const int64_t end = ::lseek(handle_, 0, SEEK_CUR) + count;
+    if (end <= reservedUpTo_) return;
+    const int64_t upTo = end + file_detail::kReserveStep;
+    reserves_ = ::fallocate(handle_, FALLOC_FL_KEEP_SIZE, reservedUpTo_, upTo - reservedUpTo_) == 0;
+    if (reserves_) reservedUpTo_ = upTo;
+#else
+    reserves_ = count < 0;
+#endif
+}
+
+void TFileStream::GiveBackReserve() {
+    if (reservedUpTo_ == 0) return;
+    const int64_t size = Size();
+    // Nothing is lost when this fails but room on the disk, and a later size change gives that back too.
+    if (reservedUpTo_ > size && ::ftruncate(handle_, size) != 0) return;
+    reservedUpTo_ = 0;
+}
 
 int64_t TFileStream::Read(void* buffer, int64_t count) {
     ssize_t taken;
@@ -97,6 +125,7 @@ int64_t TFileStream::Read(void* buffer, int64_t count) {
 }
 
 int64_t TFileStream::Write(const void* buffer, int64_t count) {
+    if (reserves_ && count >= file_detail::kReserveFrom) ReserveAhead(count);
     ssize_t put;
     do {
         put = ::write(handle_, buffer, static_cast<size_t>(count));
@@ -124,6 +153,7 @@ void TFileStream::SetSize(int64_t size) {
 }
 
 void TFileStream::Synchronize() {
+    GiveBackReserve();
     if (::fsync(handle_) != 0)
         throw EWriteError("Stream write error in " + fileName_ + ". " + file_detail::Reason(errno));
 }

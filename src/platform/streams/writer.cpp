@@ -14,7 +14,7 @@ namespace writer_detail {
 constexpr size_t kShortLimit = 255;  // the longest that a length byte can say
 // A buffer that fills up again and again doubles up to this size: small forms stay cheap, and a large file is handed to
 // the system in pieces that cost little beside the writing itself.
-constexpr size_t kLargestBuffer = 128 * 1024;
+constexpr size_t kLargestBuffer = 1024 * 1024;
 
 }  // namespace writer_detail
 

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cmath>
 #include <filesystem>
@@ -309,6 +310,31 @@ TEST(FileStream, ReadsBackWhatItWroteAndNamesWhatItCannotOpen) {
               "EFCreateError: Cannot create file " + folder + "no/such. No such file or directory");
     EXPECT_EQ(MessageOf([&] { TFileStream(folder, fmOpenRead); }),
               "EFOpenError: Cannot open file " + folder + ". It is a folder");
+}
+
+TEST(FileStream, RoomReservedAheadIsGivenBack) {
+    const std::string name = std::string(::testing::TempDir()) + "vyn_reserve.bin";
+    const std::string piece(1024 * 1024, 'x');
+    const auto roomTaken = [&] {
+        struct stat about {};
+        EXPECT_EQ(::stat(name.c_str(), &about), 0);
+        return static_cast<int64_t>(about.st_blocks) * 512;
+    };
+    const int64_t allowed = 3 * 1024 * 1024;  // the file's two pieces and what a file system adds
+    {
+        TFileStream file(name, fmCreate);
+        file.WriteBuffer(piece.data(), static_cast<int64_t>(piece.size()));
+        file.WriteBuffer(piece.data(), static_cast<int64_t>(piece.size()));
+        EXPECT_EQ(file.Size(), 2 * 1024 * 1024) << "the reserve is no part of the file";
+        file.Synchronize();
+        EXPECT_LE(roomTaken(), allowed);
+        file.SetPosition(1);  // into the middle, and past the end again
+        file.WriteBuffer(piece.data(), static_cast<int64_t>(piece.size()));
+        EXPECT_EQ(file.Size(), 2 * 1024 * 1024);
+    }
+    EXPECT_LE(roomTaken(), allowed);
+    EXPECT_EQ(std::filesystem::file_size(name), 2u * 1024 * 1024);
+    std::filesystem::remove(name);
 }
 
 TEST(FileStream, AFailedAtomicWriteLeavesTheOldFileAndNothingElse) {
