@@ -2,6 +2,7 @@
 // beside itself it holds no difference.
 
 #include "persistence/Uvynfmr.h"
+#include "platform/streams/text_form.h"
 #include "support/fuzz.h"
 
 namespace {
@@ -21,7 +22,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (!fuzzing::Succeeds([&] { tree = vyn::StreamObjecteBinaryARECURSOS(stream); })) return 0;
     fuzzing::Require(tree != nullptr, "what parses has a tree");
     const std::string written = BytesOf(*tree);
-    // Places among siblings may be stored longer than needed: from our own bytes on nothing changes.
+    const std::string_view taken = bytes.substr(0, static_cast<size_t>(stream.Position()));
+    fuzzing::Require(written.size() <= taken.size(), "a tree takes no more bytes than it was read from");
+    // Places among siblings may be stored longer than needed; where there are none, each byte comes back.
+    if (written.size() == taken.size()) fuzzing::Require(written == taken, "a tree gives back the bytes as they were");
+    // The forms' own reader, which shares nothing with the trees, sees the same form in both.
+    std::string text;
+    vyn::TViewStream takenStream(taken);
+    if (fuzzing::Succeeds([&] { text = vyn::BinaryToText(takenStream); })) {
+        vyn::TViewStream writtenAsForm(written);
+        fuzzing::Require(vyn::BinaryToText(writtenAsForm) == text, "a tree loses nothing of the form");
+    }
     vyn::TViewStream writtenStream(written);
     vyn::PRecursosObjecte again = vyn::StreamObjecteBinaryARECURSOS(writtenStream);
     fuzzing::Require(BytesOf(*again) == written, "a tree gives back the bytes that it was read from");
@@ -30,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     // A hostile object may have two properties of one name: those have no difference, but an error.
     fuzzing::Succeeds([&] {
         vyn::PRecursosObjecte differences = vyn::ExtreuObjectes(tree.get(), copy.get(), false);
-        if (differences) vyn::CompletaLlistes(*differences, *copy);
+        if (differences) vyn::CompletaDiferencies(*differences, *copy, *tree, *tree);
     });
     fuzzing::Succeeds([&] {
         vyn::AfegeixObjectes(copy.get(), tree.get(), false);
