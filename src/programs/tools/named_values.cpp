@@ -60,10 +60,12 @@ Variant Unquoted(std::string_view inside) {
 Variant ParseValue(std::string_view text) {
     if (text == "null") return Variant::Null();
     if (text == "true" || text == "false") return Variant(text == "true");
-    if (text.size() >= 2 && text.front() == '\'' && text.back() == '\'') return Unquoted(text.substr(1, text.size() - 2));
+    if (text.size() >= 2 && text.front() == '\'' && text.back() == '\'')
+        return Unquoted(text.substr(1, text.size() - 2));
     const Spelling spelling = SpellingOf(text);
     if (spelling != Spelling::NoNumber) {
-        if (std::int32_t integer = 0; spelling == Spelling::Whole && TryStrToInt(text, integer)) return Variant(integer);
+        if (std::int32_t integer = 0; spelling == Spelling::Whole && TryStrToInt(text, integer))
+            return Variant(integer);
         return Variant(ParseDouble(text));
     }
     if (TDateTime date; TryDate(text, date)) return Variant(date);

@@ -29,7 +29,8 @@ TEST(NamedValues, TheNameEndsAtTheFirstEqualsSign) {
 }
 
 TEST(NamedValues, WholeNumbersAreIntegers) {
-    for (const auto& [text, value] : {std::pair{"123", 123}, {"-7", -7}, {"+5", 5}, {"0", 0}, {"-2147483648", INT32_MIN}}) {
+    for (const auto& [text, value] :
+         {std::pair{"123", 123}, {"-7", -7}, {"+5", 5}, {"0", 0}, {"-2147483648", INT32_MIN}}) {
         EXPECT_EQ(ValueOf(text).Type(), varInteger) << text;
         EXPECT_EQ(ValueOf(text).AsInteger(), value) << text;
     }
@@ -42,7 +43,8 @@ TEST(NamedValues, WholeNumbersBeyond32BitsAreDoubles) {
 }
 
 TEST(NamedValues, NumbersWithAPointOrAnExponentAreDoubles) {
-    for (const auto& [text, value] : {std::pair{"1.5", 1.5}, {"-.5", -0.5}, {"2.", 2.0}, {"2E3", 2000.0}, {"1e-3", 0.001}}) {
+    for (const auto& [text, value] :
+         {std::pair{"1.5", 1.5}, {"-.5", -0.5}, {"2.", 2.0}, {"2E3", 2000.0}, {"1e-3", 0.001}}) {
         EXPECT_EQ(ValueOf(text).Type(), varDouble) << text;
         EXPECT_EQ(ValueOf(text).AsDouble(), value) << text;
     }
