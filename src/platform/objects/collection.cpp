@@ -22,7 +22,7 @@ TCollectionItem::TCollectionItem(TCollection* collection) {
     if (collection) collection->InsertItem(this);
 }
 
-TCollectionItem::~TCollectionItem() { SetCollection(nullptr); }
+TCollectionItem::~TCollectionItem() { TCollectionItem::SetCollection(nullptr); }
 
 void TCollectionItem::SetCollection(TCollection* collection) {
     if (collection_ == collection) return;
@@ -115,7 +115,11 @@ void TCollection::InsertItem(TCollectionItem* item) {
 }
 
 void TCollection::RemoveItem(TCollectionItem* item) {
-    std::erase(items_, item);
+    // From the end: clearing, which takes the last item each time, stays linear.
+    if (items_.back() == item)
+        items_.pop_back();
+    else
+        std::erase(items_, item);
     item->collection_ = nullptr;
     Changed();
 }

@@ -19,7 +19,7 @@ class TCollectionItem : public TPersistent {
 
     TCollection* Collection() const { return collection_; }
     // Moves the item out of its old collection and to the end of the new one.
-    void SetCollection(TCollection* collection);
+    virtual void SetCollection(TCollection* collection);
     int ID() const { return id_; }
     int Index() const;
     virtual void SetIndex(int index);
