@@ -12,7 +12,6 @@ namespace vyn {
 namespace dictionaries_detail {
 
 constexpr int kBufferSize = 1024;
-constexpr char kQueriesTag[] = "TQuerySQLDict";
 
 template <class Dictionary>
 TCollection* RequireDictionary(TCollection* collection) {
@@ -421,7 +420,7 @@ void TQuerySQLDict::Assign(const TPersistent* source) {
 void TQuerySQLDict::SaveToStream(TStream* stream) {
     if (!stream) return;
     TWriter header(*stream, kBufferSize);
-    header.WriteIdent(dictionaries_detail::kQueriesTag);
+    header.WriteIdent(CT_TQuerySQLDict);
     header.WriteInteger(CT_VersioVyn);
     header.WriteInteger(Count());
     header.Flush();
@@ -452,8 +451,7 @@ void TQuerySQLDict::LoadItems(TStream& stream) {
     int64_t count = 0;
     {
         TReader header(stream, kBufferSize);
-        if (!SameText(header.ReadIdentView(), dictionaries_detail::kQueriesTag))
-            throw Exception("Invalid Stream format");
+        if (!SameText(header.ReadIdentView(), CT_TQuerySQLDict)) throw Exception("Invalid Stream format");
         if (header.ReadInteger() != CT_VersioVyn) throw Exception("No valid version");
         count = header.ReadInteger();
     }

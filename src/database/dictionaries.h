@@ -16,6 +16,9 @@ class TQuerySQLDict;
 class TReader;
 class TWriter;
 
+// The tag of a stored query dictionary; compares without regard to case.
+constexpr char CT_TQuerySQLDict[] = "TQuerySQLDict";
+
 // What a database knows about its tables and its stored queries; both travel with it in the application file
 // (docs/formats/table-dictionary.md, query-dictionary.md, table-fields.md). Main thread only.
 

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "database/dictionaries.h"
 #include "foundation/Uparametres.h"
 #include "page.h"
 #include "platform/streams/reader.h"
@@ -138,5 +139,34 @@ TEST(FormatPages, TheParameterSetIsReadAndWrittenBack) {
     EXPECT_TRUE(set.GetParametreValue("Nota").IsNull());
     TMemoryStream written;
     set.SaveToStream(&written);
+    EXPECT_EQ(written.Bytes(), bytes);
+}
+
+TEST(FormatPages, TheTableDictionaryIsReadAndWrittenBack) {
+    const std::string bytes = Page("table-dictionary.md").ExampleBytes();
+    TViewStream stream(bytes);
+    TDataBaseVynDict dict(nullptr);
+    dict.LoadFromStream(&stream);
+    EXPECT_EQ(stream.Position(), stream.Size());
+    ASSERT_EQ(dict.IndexOfTable("clients"), 0);
+    EXPECT_EQ(dict.GetDataSetDictItem(0)->TableDisplayString, "Els clients.");
+    EXPECT_EQ(dict.GetDataSetDictItem(0)->DataSetDict()->GetSQLField(0),
+              (TSQLField{"ID", "Codi", "", "", "", "", 5, "", 300}));
+    TMemoryStream written;
+    dict.SaveToStream(&written);
+    EXPECT_EQ(written.Bytes(), bytes);
+}
+
+TEST(FormatPages, TheQueryDictionaryIsReadAndWrittenBack) {
+    const std::string bytes = Page("query-dictionary.md").ExampleBytes();
+    TViewStream stream(bytes);
+    TQuerySQLDict dict(nullptr);
+    EXPECT_THROW(dict.LoadFromStream(&stream), EReadError);
+    ASSERT_EQ(dict.Count(), 3);
+    EXPECT_EQ(dict.IndexOfQuery("vendes"), 0);
+    EXPECT_EQ(dict.GetQuerySQLItem(0)->QuerySQLStream().Bytes(), "\x01\x02\x03");
+    dict.Delete(2);
+    TMemoryStream written;
+    dict.SaveToStream(&written);
     EXPECT_EQ(written.Bytes(), bytes);
 }

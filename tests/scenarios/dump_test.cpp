@@ -1,7 +1,10 @@
 // `vyn dump` of each kind of stream, written here by the library.
+#include <gmock/gmock.h>
+
 #include <nlohmann/json.hpp>
 
 #include "app/components_vyn.h"
+#include "database/dictionaries.h"
 #include "foundation/Uparametres.h"
 #include "persistence/Utrecursosvyn.h"
 #include "platform/streams/text_form.h"
@@ -99,6 +102,42 @@ TEST_F(Dump, OfATree) {
         {"id": 1, "parent": -1, "child": 1, "component": 5, "type": 0, "name": "Arrel"},
         {"id": 3, "parent": 1, "child": 1, "component": 6, "type": 8, "name": "Primer"},
         {"id": 2, "parent": 1, "child": 2, "component": 0, "type": 4, "name": "Segon"}]})"));
+}
+
+TEST_F(Dump, OfAQueryDictionary) {
+    TQuerySQLDict queries(nullptr);
+    for (const char* name : {"Vendes", "Canvis d'any"}) {
+        TQuerySQLItem* query = queries.Add();
+        query->SetQuerySQLName(name);
+        query->QuerySQLStream().SetBytes("abc");
+    }
+    TMemoryStream stream;
+    queries.SaveToStream(&stream);
+    Json expected{{"kind", "queries"},
+                  {"queries",
+                   {{{"name", "Vendes"}, {"size", 3}, {"sha256", kDigestOfAbc}},
+                    {{"name", "Canvis d'any"}, {"size", 3}, {"sha256", kDigestOfAbc}}}}};
+    EXPECT_EQ(Of(stream), expected);
+    const Ended text = Vyn({"dump", WriteText("text", stream.Bytes())});
+    EXPECT_EQ(text.Output, "kind: queries\nqueries:\n  name=Vendes  size=3  sha256=" + std::string(kDigestOfAbc) +
+                               "\n  name=Canvis d'any  size=3  sha256=" + kDigestOfAbc + "\n");
+    // Some hosts write one query more than they count.
+    stream.SetPosition(stream.Size());
+    stream.WriteBuffer(
+        "\x06\x01Z\x03\x00\x00\x00"
+        "abc",
+        10);
+    expected["queries"].push_back({{"name", "Z"}, {"size", 3}, {"sha256", kDigestOfAbc}});
+    EXPECT_EQ(Of(stream), expected);
+}
+
+TEST_F(Dump, OfAQueryDictionaryCutShortIsItsReadersError) {
+    const std::string cut("\x07\x0DTQuerySQLDict\x02\x36\x02\x02\x06\x01Q\x00\x00\x00\x00", 26);
+    const Ended dumped = Vyn({"dump", "--json", WriteText("cut", cut)});
+    EXPECT_EQ(dumped.ExitStatus, 1);
+    EXPECT_THAT(dumped.Errors, testing::HasSubstr("Stream read error"));
+    const Ended other = Vyn({"dump", WriteText("other", std::string("\x07\x0DTQuerySQLDict\x02\x35\x02\x02", 19))});
+    EXPECT_THAT(other.Errors, testing::HasSubstr("No valid version"));
 }
 
 TEST_F(Dump, OfComponents) {

@@ -1,6 +1,8 @@
 #include "programs/tools/dump.h"
 
+#include "database/dictionaries.h"
 #include "foundation/Uparametres.h"
+#include "foundation/errors.h"
 #include "platform/streams/reader.h"
 #include "platform/streams/text_form.h"
 #include "platform/text/compare.h"
@@ -140,6 +142,27 @@ Json ResourceStore(TStream& stream) {
     return result;
 }
 
+// The queries that the dictionary counts, and the further one of hosts that write it (docs/formats).
+Json Queries(TStream& stream) {
+    int64_t count = 0;
+    {
+        TReader header(stream);
+        header.ReadIdentView();
+        if (header.ReadInteger() != CT_VersioVyn) throw Exception("No valid version");
+        count = header.ReadInteger();
+    }
+    Json list = Json::array();
+    for (int64_t i = 0; i < count || (i == count && stream.Position() < stream.Size()); ++i) {
+        TQuerySQLItem query(nullptr);
+        const AnsiString name = TReader(stream).ReadString();
+        query.ReadQuerySQLStream(&stream);
+        Json line{{"name", JsonOf(name)}};
+        line.update(Bytes(query.QuerySQLStream().Bytes()));
+        list.push_back(std::move(line));
+    }
+    return list;
+}
+
 // The tag that a stream begins with: a string or an identifier.
 AnsiString TagOf(TStream& stream) {
     const int64_t start = stream.Position();
@@ -210,6 +233,7 @@ Json DumpStream(TStream& stream) {
         store.LoadFromStream(stream);
         return Json{{"kind", "components"}, {"components", dump_detail::Components(store)}};
     }
+    if (SameText(tag, CT_TQuerySQLDict)) return Json{{"kind", "queries"}, {"queries", dump_detail::Queries(stream)}};
     throw Exception("The file is no stream of the framework: it begins with none of the known tags");
 }
 
