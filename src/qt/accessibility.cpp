@@ -49,6 +49,8 @@ class Listener final : public QAccessible::ActivationObserver {
     void accessibilityActiveChanged(bool active) override {
         if (!active) return;
         for (QWidget* widget : QApplication::allWidgets())
+            if (auto* link = dynamic_cast<PeerLink*>(widget); link && link->Peer()) link->Peer()->WakeLights();
+        for (QWidget* widget : QApplication::allWidgets())
             if (auto* link = dynamic_cast<PeerLink*>(widget); link && link->Peer()) NameWidget(*widget, *link->Peer());
     }
 };

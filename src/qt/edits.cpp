@@ -43,8 +43,7 @@ class EditPeer final : public PeerOf<TCustomEdit> {
             if (edit_->selectionStart() != start || edit_->selectionLength() != length)
                 edit_->setSelection(start, length);
         } else if (edit_->hasSelectedText() || edit_->cursorPosition() != start) {
-            edit_->deselect();
-            edit_->setCursorPosition(start);
+            edit_->setCursorPosition(start);  // ends a selection, too
         }
     }
 

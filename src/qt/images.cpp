@@ -1,24 +1,25 @@
 #include "platform/controls/images.h"
 
 #include "qt/factory.h"
+#include "qt/light_peer.h"
 #include "qt/looks.h"
-#include "qt/painted.h"
 #include "qt/pictures.h"
 
 namespace vyn::qt {
 
 namespace image_detail {
 
-class ImagePeer final : public PeerOf<TImage> {
+class ImagePeer final : public LightPeerOf<TImage> {
   public:
-    using PeerOf::PeerOf;
+    using LightPeerOf::LightPeerOf;
 
     void Changed(PeerChange what) override {
         if (what == PeerChange::Picture || what == PeerChange::Style) decoded_ = false;
-        PeerOf::Changed(what);
+        LightPeerOf::Changed(what);
     }
 
-    void Paint(QPainter& painter) {
+  protected:
+    void PaintOn(const Surface& surface) override {
         if (!decoded_) {
             const TGraphic* graphic = Self().Picture()->Graphic();
             picture_ = graphic ? QPixmap::fromImage(ToQImage(*graphic, Self().Transparent())) : QPixmap();
@@ -29,14 +30,11 @@ class ImagePeer final : public PeerOf<TImage> {
         // Formats that only the toolkit decodes have no size before.
         if (!Self().Stretch() && place.isEmpty()) {
             place = QRect(QPoint(), picture_.size());
-            if (Self().Center()) place.moveCenter(widget_->rect().center());
+            if (Self().Center()) place.moveCenter(surface.rect.center());
         }
-        painter.setRenderHint(QPainter::SmoothPixmapTransform, place.size() != picture_.size());
-        painter.drawPixmap(place, picture_);
+        surface.painter.setRenderHint(QPainter::SmoothPixmapTransform, place.size() != picture_.size());
+        surface.painter.drawPixmap(place, picture_);
     }
-
-  protected:
-    QWidget* MakeWidget(QWidget* parent) override { return new Painted<ImagePeer>(this, parent); }
 
   private:
     QPixmap picture_;

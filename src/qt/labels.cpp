@@ -4,20 +4,25 @@
 
 #include "platform/controls/labels.h"
 #include "qt/factory.h"
+#include "qt/light_peer.h"
 #include "qt/looks.h"
-#include "qt/painted.h"
 #include "qt/text.h"
 
-// Texts that stand still, lines and frames: light widgets that draw themselves from their control's state.
+// Texts that stand still, lines and frames, drawn from their control's state.
 namespace vyn::qt {
 
 namespace label_detail {
 
-class LabelPeer final : public PeerOf<TCustomLabel> {
+class LabelPeer final : public LightPeerOf<TCustomLabel> {
   public:
-    using PeerOf::PeerOf;
+    using LightPeerOf::LightPeerOf;
 
-    void Paint(QPainter& painter) {
+    QString AccessibleName() const override {
+        return Self().ShowAccelChar() ? WithoutMnemonic(Self().GetLabelText()) : ToQt(Self().GetLabelText());
+    }
+
+  protected:
+    void PaintOn(const Surface& surface) override {
         const TCustomLabel& label = Self();
         int flags = AlignmentFlags(label.Alignment());
         switch (label.Layout()) {
@@ -31,27 +36,19 @@ class LabelPeer final : public PeerOf<TCustomLabel> {
                 flags |= Qt::AlignBottom;
                 break;
         }
-        if (plain_ && !label.WordWrap() && widget_->isEnabled()) {
-            DrawLine(painter, flags);
+        if (plain_ && !label.WordWrap() && surface.enabled) {
+            DrawLine(surface, flags);
             return;
         }
         if (label.WordWrap()) flags |= Qt::TextWordWrap;
         flags |= label.ShowAccelChar() ? Qt::TextShowMnemonic : 0;
-        widget_->style()->drawItemText(&painter, widget_->rect(), flags, widget_->palette(), widget_->isEnabled(),
-                                       text_, QPalette::WindowText);
+        surface.style.drawItemText(&surface.painter, surface.rect, flags, surface.palette, surface.enabled, text_,
+                                   QPalette::WindowText);
     }
-
-    QString AccessibleName() const override {
-        return Self().ShowAccelChar() ? WithoutMnemonic(Self().GetLabelText()) : ToQt(Self().GetLabelText());
-    }
-
-  protected:
-    QWidget* MakeWidget(QWidget* parent) override { return new Painted<LabelPeer>(this, parent); }
-    void ApplyText() override {
+    void TakeState() override {
         text_ = ToQt(Self().GetLabelText());
         plain_ = !text_.contains(QLatin1Char('&')) && !text_.contains(QLatin1Char('\n')) &&
                  !text_.contains(QLatin1Char('\t')) && !text_.contains(QLatin1Char('\r'));
-        widget_->update();
     }
     void ApplyStyle() override {
         // A see-through label shows what is behind it, whatever its colour.
@@ -59,23 +56,23 @@ class LabelPeer final : public PeerOf<TCustomLabel> {
                                        Self().Parent() && Self().Color() != Self().Parent()->Color());
     }
     void ApplyColor() override {
-        PeerOf::ApplyColor();
+        LightPeerOf::ApplyColor();
         ApplyStyle();
     }
 
   private:
     // One line without mnemonic, as most labels are, needs no layout: half the time of the general way.
-    void DrawLine(QPainter& painter, int flags) {
-        const QFontMetrics metrics = widget_->fontMetrics();
-        const QRect rect = widget_->rect();
+    void DrawLine(const Surface& surface, int flags) {
+        const QFontMetrics metrics = surface.painter.fontMetrics();
+        const QRect& rect = surface.rect;
         int x = 0;
         if (flags & Qt::AlignRight) x = rect.width() - metrics.horizontalAdvance(text_);
         if (flags & Qt::AlignHCenter) x = (rect.width() - metrics.horizontalAdvance(text_)) / 2;
         int y = metrics.ascent();
         if (flags & Qt::AlignVCenter) y += (rect.height() - metrics.height()) / 2;
         if (flags & Qt::AlignBottom) y += rect.height() - metrics.height();
-        painter.setPen(widget_->palette().color(QPalette::WindowText));
-        painter.drawText(x, y, text_);
+        surface.painter.setPen(surface.palette.color(QPalette::WindowText));
+        surface.painter.drawText(x, y, text_);
     }
 
     QString text_;
@@ -108,13 +105,17 @@ class StaticTextPeer final : public PeerOf<TCustomStaticText> {
     void ApplyText() override { widget_->update(); }
 };
 
-class BevelPeer final : public PeerOf<TBevel> {
+class BevelPeer final : public LightPeerOf<TBevel> {
   public:
-    using PeerOf::PeerOf;
+    using LightPeerOf::LightPeerOf;
+    // A frame around controls lets the mouse through to what it frames.
+    bool TakesMouse() const override { return false; }
 
-    void Paint(QPainter& painter) {
-        const QRect rect = widget_->rect();
-        const QPalette& palette = widget_->palette();
+  protected:
+    void PaintOn(const Surface& surface) override {
+        QPainter& painter = surface.painter;
+        const QRect& rect = surface.rect;
+        const QPalette& palette = surface.palette;
         const bool raised = Self().Style() == TBevelStyle::bsRaised;
         const QColor first = palette.color(raised ? QPalette::Light : QPalette::Mid);
         const QColor second = palette.color(raised ? QPalette::Mid : QPalette::Light);
@@ -147,11 +148,8 @@ class BevelPeer final : public PeerOf<TBevel> {
                 break;
         }
     }
-
-  protected:
     QWidget* MakeWidget(QWidget* parent) override {
-        auto* widget = new Painted<BevelPeer>(this, parent);
-        // A frame around controls lets the mouse through to what it frames.
+        QWidget* widget = LightPeerOf::MakeWidget(parent);
         widget->setAttribute(Qt::WA_TransparentForMouseEvents);
         return widget;
     }

@@ -5,6 +5,7 @@
 #include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QToolTip>
 #include <QWheelEvent>
 
@@ -99,9 +100,11 @@ bool PeerLink::Dispatch(PeerLink& link, QWidget* widget, QEvent* event, EventCal
         case QEvent::ContextMenu:
         case QEvent::Enter:
         case QEvent::Leave:
-            return peer.MouseHappened(*widget, *event, next);
+            return peer.PassToLight(*widget, *event) || peer.MouseHappened(*widget, *event, next);
         case QEvent::ToolTip: {
-            const TControl& control = peer.Control();
+            // The mouse may have come over a control that got its widget just then.
+            const TControl* above = ControlOfWidget(widget->childAt(static_cast<QHelpEvent*>(event)->pos()));
+            const TControl& control = above ? *above : peer.Control();
             const AnsiString hint =
                 Application()->ShowHint ? TControl::GetShortHint(control.EffectiveHint()) : AnsiString();
             if (hint.empty()) return next(event);
@@ -130,6 +133,45 @@ bool PeerLink::Dispatch(PeerLink& link, QWidget* widget, QEvent* event, EventCal
         }
         default:
             return next(event);
+    }
+}
+
+void PeerLink::PaintLights(PeerLink& link, QWidget* widget, QEvent* event) {
+    if (link.peer_ && widget == link.peer_->ClientWidget())
+        link.peer_->PaintLights(*widget, static_cast<QPaintEvent*>(event)->region());
+}
+
+bool WidgetPeer::PassToLight(QWidget& widget, QEvent& event) {
+    if (&widget != ClientWidget()) return false;
+    switch (event.type()) {
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseMove: {
+            const auto& mouse = static_cast<QMouseEvent&>(event);
+            QPointer<QWidget> target = passedTo_;
+            if (!target && event.type() != QEvent::MouseButtonRelease && widget.isEnabled())
+                if (event.type() != QEvent::MouseMove || mouse.buttons() == Qt::NoButton)
+                    target = WakeLightAt(mouse.position().toPoint());
+            if (!target) return false;
+            passedTo_ = mouse.buttons() == Qt::NoButton ? nullptr : target;
+            QMouseEvent passed(event.type(), target->mapFromGlobal(mouse.globalPosition()), mouse.globalPosition(),
+                               mouse.button(), mouse.buttons(), mouse.modifiers());
+            QCoreApplication::sendEvent(target, &passed);
+            return true;
+        }
+        case QEvent::ContextMenu: {
+            const auto& context = static_cast<QContextMenuEvent&>(event);
+            if (context.reason() != QContextMenuEvent::Mouse || !widget.isEnabled()) return false;
+            QWidget* target = WakeLightAt(context.pos());
+            if (!target) return false;
+            QContextMenuEvent passed(context.reason(), target->mapFromGlobal(context.globalPos()), context.globalPos(),
+                                     context.modifiers());
+            QCoreApplication::sendEvent(target, &passed);
+            return true;
+        }
+        default:
+            return false;
     }
 }
 
@@ -260,6 +302,12 @@ bool WidgetPeer::MouseHappened(QWidget& widget, QEvent& event, const NativeCall&
     if (drag::Source() && event.type() != QEvent::MouseButtonPress) {
         TControl* target = ControlOfWidget(QApplication::widgetAt(global.toPoint()));
         WidgetPeer* targetPeer = PeerOfControl(target);
+        if (QWidget* light = targetPeer
+                                 ? targetPeer->WakeLightAt(targetPeer->ClientWidget()->mapFromGlobal(global).toPoint())
+                                 : nullptr) {
+            target = ControlOfWidget(light);
+            targetPeer = PeerOfControl(target);
+        }
         const QPoint at = targetPeer ? targetPeer->ClientWidget()->mapFromGlobal(global).toPoint() : QPoint();
         Guard(&control, [&] {
             const bool accepts = drag::MoveTo(target, at.x(), at.y());

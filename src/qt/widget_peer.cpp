@@ -246,8 +246,8 @@ void WidgetPeer::ApplyZOrder() {
     // Under the next one that has a widget; graphic controls lie under all windowed ones.
     bool after = false;
     for (const TControl* graphic : parent->GraphicControls()) {
-        if (after && graphic->Peer()) {
-            widget_->stackUnder(PeerOfControl(graphic)->Widget());
+        if (WidgetPeer* peer = PeerOfControl(graphic); after && peer && peer->Widget()) {
+            widget_->stackUnder(peer->Widget());
             return;
         }
         after = after || graphic == &control_;

@@ -13,6 +13,8 @@
 
 class QKeyEvent;
 class QInputMethodEvent;
+class QPainter;
+class QRegion;
 
 namespace vyn::qt {
 
@@ -60,6 +62,8 @@ class PeerLink {
                 return false;
         }
     }
+    // After the widget has drawn itself: what lies on it without a widget of its own.
+    static void PaintLights(PeerLink& link, QWidget* widget, QEvent* event);
 
   private:
     friend class WidgetPeer;
@@ -75,6 +79,11 @@ class Native : public W, public PeerLink {
     explicit Native(WidgetPeer* peer, A&&... arguments) : W(std::forward<A>(arguments)...), PeerLink(peer) {}
 
     bool event(QEvent* event) override {
+        if (Peer() && event->type() == QEvent::Paint) {
+            const bool result = W::event(event);
+            PaintLights(*this, this, event);
+            return result;
+        }
         if (!Peer() || !Concerns(event->type())) return W::event(event);
         return Dispatch(*this, this, event,
                         [](QWidget* self, QEvent* e) { return static_cast<Native*>(self)->W::event(e); });
@@ -164,6 +173,17 @@ class WidgetPeer : public ControlPeer {
     // False: the second of two quick presses is a press like any other.
     virtual bool TakesDoubleClicks() const { return true; }
 
+    // Controls without a widget (light_peer.h). The peer itself: draws the control on its parent's client widget, makes
+    // a widget after all, says whether the mouse can be over it.
+    virtual void PaintLight(QPainter& painter, const QWidget& host) {}
+    virtual void BecomeWidget() {}
+    virtual bool TakesMouse() const { return true; }
+    // Their parent: draws them, and makes widgets of all or of the topmost at a place of the client widget (null:
+    // none).
+    void PaintLights(QWidget& client, const QRegion& exposed);
+    void WakeLights();
+    QWidget* WakeLightAt(const QPoint& place);
+
     // For assistive technology, filled in when somebody listens (accessibility.h).
     virtual QString AccessibleName() const;
     virtual QString AccessibleDescription() const;
@@ -217,7 +237,11 @@ class WidgetPeer : public ControlPeer {
 
   private:
     friend class PeerLink;
+    // Passes what the mouse did on to a control that had no widget when the toolkit chose who hears it.
+    bool PassToLight(QWidget& widget, QEvent& event);
+
     TControl& control_;
+    QPointer<QWidget> passedTo_;  // while a button is down
     PeerLink* mainLink_ = nullptr;
     PeerLink* links_ = nullptr;
     std::unique_ptr<QObject> context_;

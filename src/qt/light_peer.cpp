@@ -1,0 +1,194 @@
+#include "qt/light_peer.h"
+
+#include <QAccessible>
+#include <QRegion>
+#include <optional>
+
+#include "platform/objects/class_info.h"
+#include "qt/looks.h"
+
+namespace vyn::qt {
+
+namespace light_detail {
+
+QRect BoundsOf(const TControl& control) {
+    return {control.Left(), control.Top(), control.Width(), control.Height()};
+}
+
+// The peers of the graphic controls inside that are drawn by their parent, lowest first.
+template <class Visit>
+void ForEachLight(const TControl& parent, Visit visit) {
+    const auto* window = ObjectCast<TWinControl>(&parent);
+    if (!window) return;
+    for (TControl* graphic : window->GraphicControls())
+        if (WidgetPeer* peer = PeerOfControl(graphic); peer && !peer->Widget()) visit(*graphic, *peer);
+}
+
+}  // namespace light_detail
+
+LightPeer::~LightPeer() {
+    if (QWidget* host = widget_ ? nullptr : Host()) host->update(shown_);
+}
+
+QWidget* LightPeer::Host() const {
+    const WidgetPeer* parent = PeerOfControl(Control().Parent());
+    return parent ? parent->ClientWidget() : nullptr;
+}
+
+bool LightPeer::CanBeLight() const {
+    const TControl& control = Control();
+    const TWinControl* parent = control.Parent();
+    // Only widgets of ours draw what lies on them.
+    const auto* link = dynamic_cast<const PeerLink*>(Host());
+    if (!parent || !link || !link->Peer() || QAccessible::isActive()) return false;
+    if (control.Cursor() != crDefault || control.Color() != parent->Color()) return false;
+    if (control.EffectiveFont().Color() != parent->EffectiveFont().Color()) return false;
+    // Widgets lie above everything that their parent draws.
+    for (const TControl* below : parent->GraphicControls()) {
+        if (below == &control) return true;
+        const WidgetPeer* peer = PeerOfControl(below);
+        if (peer && peer->Widget() && light_detail::BoundsOf(*below).intersects(light_detail::BoundsOf(control)))
+            return false;
+    }
+    return true;
+}
+
+void LightPeer::Create() {
+    if (!CanBeLight()) {
+        WidgetPeer::Create();
+        return;
+    }
+    TakeState();
+    Repaint();
+}
+
+void LightPeer::BecomeWidget() {
+    if (widget_) return;
+    if (QWidget* host = Host()) host->update(shown_);
+    WidgetPeer::Create();
+    // What lay above it still does.
+    const TWinControl* parent = Control().Parent();
+    if (!parent) return;
+    bool above = false;
+    for (TControl* graphic : parent->GraphicControls()) {
+        if (above && light_detail::BoundsOf(*graphic).intersects(light_detail::BoundsOf(Control())))
+            if (WidgetPeer* peer = PeerOfControl(graphic)) peer->BecomeWidget();
+        above = above || graphic == &Control();
+    }
+}
+
+void* LightPeer::NativeHandle() {
+    BecomeWidget();
+    return WidgetPeer::NativeHandle();
+}
+
+void LightPeer::Changed(PeerChange what) {
+    if (widget_) {
+        WidgetPeer::Changed(what);
+        return;
+    }
+    if (!CanBeLight()) {
+        BecomeWidget();
+        return;
+    }
+    switch (what) {
+        case PeerChange::Text:
+        case PeerChange::Picture:
+        case PeerChange::Style:
+        case PeerChange::Font:
+            TakeState();
+            Repaint();
+            break;
+        case PeerChange::Bounds:
+        case PeerChange::Color:
+        case PeerChange::Enabled:
+        case PeerChange::Visible:
+        case PeerChange::ZOrder:
+        case PeerChange::Parent:
+        case PeerChange::Invalidate:
+            Repaint();
+            break;
+        case PeerChange::Cursor:
+        case PeerChange::Hint:
+        case PeerChange::Items:
+        case PeerChange::Selection:
+        case PeerChange::Scroll:
+        case PeerChange::Menu:
+        case PeerChange::Focus:
+        case PeerChange::WindowState:
+        case PeerChange::Modal:
+        case PeerChange::Close:
+        case PeerChange::DropDown:
+        case PeerChange::EditLabel:
+            break;
+    }
+}
+
+void LightPeer::Repaint() {
+    const QRect bounds = Control().Visible() ? light_detail::BoundsOf(Control()) : QRect();
+    // What was never shown comes with its parent's first painting.
+    if (QWidget* host = Host(); host && host->isVisible()) {
+        if (shown_ != bounds) host->update(shown_);
+        host->update(bounds);
+    }
+    shown_ = bounds;
+}
+
+QWidget* LightPeer::MakeWidget(QWidget* parent) { return new Painted<LightPeer>(this, parent); }
+
+void LightPeer::ApplyText() {
+    TakeState();
+    widget_->update();
+}
+
+void LightPeer::Paint(QPainter& painter) {
+    PaintOn({painter, widget_->rect(), *widget_->style(), widget_->palette(), widget_->isEnabled()});
+}
+
+void LightPeer::PaintLight(QPainter& painter, const QWidget& host) {
+    const TControl& control = Control();
+    const bool ownFont = !SameGlyphs(control.EffectiveFont(), control.Parent()->EffectiveFont());
+    painter.save();
+    painter.setFont(ownFont ? ToQFont(control.EffectiveFont()) : host.font());
+    painter.setClipRect(light_detail::BoundsOf(control), Qt::IntersectClip);
+    painter.translate(control.Left(), control.Top());
+    const QRect rect(0, 0, control.Width(), control.Height());
+    const bool enabled = host.isEnabled() && control.Enabled();
+    if (enabled == host.isEnabled()) {
+        PaintOn({painter, rect, *host.style(), host.palette(), enabled});
+    } else {
+        QPalette palette = host.palette();
+        palette.setCurrentColorGroup(QPalette::Disabled);
+        PaintOn({painter, rect, *host.style(), palette, enabled});
+    }
+    painter.restore();
+}
+
+void WidgetPeer::PaintLights(QWidget& client, const QRegion& exposed) {
+    std::optional<QPainter> painter;
+    light_detail::ForEachLight(control_, [&](TControl& control, WidgetPeer& peer) {
+        if (!control.Visible() || !exposed.intersects(light_detail::BoundsOf(control))) return;
+        if (!painter) painter.emplace(&client);
+        peer.PaintLight(*painter, client);
+    });
+}
+
+void WidgetPeer::WakeLights() {
+    std::vector<WidgetPeer*> found;
+    light_detail::ForEachLight(control_, [&](TControl&, WidgetPeer& peer) { found.push_back(&peer); });
+    for (WidgetPeer* peer : found) peer->BecomeWidget();
+}
+
+QWidget* WidgetPeer::WakeLightAt(const QPoint& place) {
+    WidgetPeer* top = nullptr;
+    light_detail::ForEachLight(control_, [&](TControl& control, WidgetPeer& peer) {
+        if (control.Visible() && control.Enabled() && peer.TakesMouse() &&
+            light_detail::BoundsOf(control).contains(place))
+            top = &peer;
+    });
+    if (!top) return nullptr;
+    top->BecomeWidget();
+    return top->Widget();
+}
+
+}  // namespace vyn::qt

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QPainter>
+#include <QPalette>
+#include <QStyle>
+
+#include "qt/painted.h"
+
+namespace vyn::qt {
+
+// The peer of a graphic control (a label, a line, a picture) that costs no widget while it only has to be seen: its
+// parent's peer draws it. It becomes a widget, for good, when one is needed: the mouse comes over it, assistive
+// technology listens, somebody asks for the native handle, it gets colours or a cursor of its own, or it lies above a
+// control that is a widget. Main thread only.
+class LightPeer : public WidgetPeer {
+  public:
+    using WidgetPeer::WidgetPeer;
+    ~LightPeer() override;
+
+    void Create() override;
+    void Changed(PeerChange what) override;
+    void* NativeHandle() override;
+    void BecomeWidget() override;
+    void PaintLight(QPainter& painter, const QWidget& host) override;
+    // For the widget, once there is one.
+    void Paint(QPainter& painter);
+
+  protected:
+    // What drawing needs to know; places are relative to the control.
+    struct Surface {
+        QPainter& painter;
+        QRect rect;
+        const QStyle& style;
+        const QPalette& palette;
+        bool enabled;
+    };
+    virtual void PaintOn(const Surface& surface) = 0;
+    // Takes over from the control what is drawn.
+    virtual void TakeState() {}
+    QWidget* MakeWidget(QWidget* parent) override;
+    void ApplyText() override;
+
+  private:
+    QWidget* Host() const;
+    bool CanBeLight() const;
+    void Repaint();
+
+    QRect shown_;  // where the parent draws it
+};
+
+// The same with its control's class.
+template <class C>
+class LightPeerOf : public LightPeer {
+  public:
+    using LightPeer::LightPeer;
+
+  protected:
+    C& Self() const { return static_cast<C&>(Control()); }
+};
+
+}  // namespace vyn::qt
