@@ -11,9 +11,7 @@ namespace vyn::qt {
 
 namespace light_detail {
 
-QRect BoundsOf(const TControl& control) {
-    return {control.Left(), control.Top(), control.Width(), control.Height()};
-}
+QRect BoundsOf(const TControl& control) { return {control.Left(), control.Top(), control.Width(), control.Height()}; }
 
 // The peers of the graphic controls inside that are drawn by their parent, lowest first.
 template <class Visit>
