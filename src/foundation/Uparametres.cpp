@@ -1,6 +1,7 @@
 #include "foundation/Uparametres.h"
 
 #include <algorithm>
+#include <tuple>
 
 #include "foundation/stack_guard.h"
 #include "platform/objects/filer.h"
@@ -263,12 +264,20 @@ Currency TParametres::AsCurrency(const AnsiString& name, Currency otherwise) {
 }
 
 void TParametres::NotifyChanges(TParametresChild* child) {
-    if (std::find(children_.begin(), children_.end(), child) != children_.end()) return;
-    children_.push_back(child);
+    if (!child->namesOnly_) {
+        if (std::find(children_.begin(), children_.end(), child) != children_.end()) return;
+        children_.push_back(child);
+    }
+    for (const AnsiString& name : child->names_) namedFollowers_.Remove(name, child->place_);
+    child->place_ = ++lastPlace_;
+    for (const AnsiString& name : child->names_) namedFollowers_.Add(name, child->place_, child);
     child->FreeNotification(this);
 }
 
-void TParametres::DontNotifyChanges(TParametresChild* child) { std::erase(children_, child); }
+void TParametres::DontNotifyChanges(TParametresChild* child) {
+    std::erase(children_, child);
+    for (const AnsiString& name : child->names_) namedFollowers_.Remove(name, child->place_);
+}
 
 void TParametres::Notification(TComponent* component, TOperation operation) {
     TComponent::Notification(component, operation);
@@ -288,7 +297,22 @@ void TParametres::DoOnGetValorPRM(const AnsiString& name, Variant& value) {
 
 void TParametres::DoOnSetValorPRM(const AnsiString& name, const Variant& newValue) {
     OnSetValorPRM(this, name, newValue);
-    for (size_t i = 0; i < children_.size(); ++i) children_[i]->OnSetValorPRM(this, name, newValue);
+    if (namedFollowers_.Empty()) {
+        for (size_t i = 0; i < children_.size(); ++i) children_[i]->OnSetValorPRM(this, name, newValue);
+        return;
+    }
+    for (auto [place, child] = FollowerAfter(0, name); child; std::tie(place, child) = FollowerAfter(place, name))
+        child->OnSetValorPRM(this, name, newValue);
+}
+
+// Looked for anew each time: a handler may let followers come and go.
+std::pair<uint64_t, TParametresChild*> TParametres::FollowerAfter(uint64_t place, const AnsiString& name) const {
+    const auto named = namedFollowers_.After(name, place);
+    const auto next =
+        std::upper_bound(children_.begin(), children_.end(), place,
+                         [](uint64_t wanted, const TParametresChild* child) { return wanted < child->place_; });
+    if (next == children_.end() || (named.second && named.first < (*next)->place_)) return named;
+    return {(*next)->place_, *next};
 }
 
 void TParametres::CopyValues(TParametres& source) {

@@ -3,6 +3,7 @@
 #include <memory>
 #include <vector>
 
+#include "foundation/parametres_followers.h"
 #include "platform/objects/component.h"
 #include "platform/objects/strings.h"
 #include "platform/streams/stream.h"
@@ -89,6 +90,7 @@ class TParametres : public TComponent {
     // Followers.
     void NotifyChanges(TParametresChild* child);
     void DontNotifyChanges(TParametresChild* child);
+    // Without those that follow names only.
     const std::vector<TParametresChild*>& Children() const { return children_; }
     void Notification(TComponent* component, TOperation operation) override;
     // This object's own handler first, then each follower's, in the order in which they came.
@@ -126,7 +128,12 @@ class TParametres : public TComponent {
     Variant InternalRead(const AnsiString& name, const Variant& otherwise);
     double AsFloat(const AnsiString& name, const Variant& otherwise);
 
+    friend class TParametresChild;
+    std::pair<uint64_t, TParametresChild*> FollowerAfter(uint64_t place, const AnsiString& name) const;
+
     std::vector<TParametresChild*> children_;
+    NamedFollowers namedFollowers_;
+    uint64_t lastPlace_ = 0;  // of the last follower that came
     TListParametresData parameters_;
     NameIndex index_;
 };
@@ -137,11 +144,19 @@ TParametres* Parametres();
 void InitializeParametres();
 void FinalizeParametres();
 
-// Follows one set: receives its notifications through handlers of its own.
+// Follows one set: receives its notifications through handlers of its own, all of them or, after FollowNamesOnly, the
+// set events of some names. A follower of names costs nothing when other parameters are read or change; it is told in
+// its turn among the other followers.
 class TParametresChild : public TComponent {
     VYN_OBJECT
   public:
     explicit TParametresChild(TComponent* owner) : TComponent(owner) {}
+    ~TParametresChild() override;
+
+    // To be called before a set is followed.
+    void FollowNamesOnly() { namesOnly_ = true; }
+    void FollowName(const AnsiString& name);
+    void ForgetNames();
 
     TParametres* Params() const { return params_; }
     void SetParams(TParametres* value);
@@ -154,7 +169,11 @@ class TParametresChild : public TComponent {
     TNotifyParametreBooleanEvent OnChangeValorPRM;
 
   private:
+    friend class TParametres;
     TParametres* params_ = nullptr;
+    uint64_t place_ = 0;  // among the set's followers
+    bool namesOnly_ = false;
+    std::vector<AnsiString> names_;
 };
 
 // An ordered list of sets that it does not own; names are looked for in list order.

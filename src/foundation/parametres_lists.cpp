@@ -15,6 +15,22 @@ const ClassInfo& TParametresChild::StaticClass() {
     return info;
 }
 
+TParametresChild::~TParametresChild() {
+    // The names are told off while they are there.
+    if (params_) params_->DontNotifyChanges(this);
+}
+
+void TParametresChild::FollowName(const AnsiString& name) {
+    names_.push_back(name);
+    if (params_) params_->namedFollowers_.Add(name, place_, this);
+}
+
+void TParametresChild::ForgetNames() {
+    if (params_)
+        for (const AnsiString& name : names_) params_->namedFollowers_.Remove(name, place_);
+    names_.clear();
+}
+
 void TParametresChild::SetParams(TParametres* value) {
     if (value == params_) return;
     if (params_) params_->DontNotifyChanges(this);

@@ -164,3 +164,88 @@ TEST_F(TParametresListTest, FormatTextExpandsWhenTheListHoldsASet) {
                               "A\xA1"),
               "5");
 }
+
+TEST_F(TParametresChildTest, AFollowerOfNamesHearsOfThoseAlone) {
+    TParametresChild child(nullptr);
+    AnsiString heard;
+    child.FollowNamesOnly();
+    child.SetParams(&set);
+    child.OnSetValorPRM = [&](TParametres* PRM, const AnsiString& Parametre, const Variant& NewValue) {
+        EXPECT_EQ(PRM, &set);
+        heard += Parametre + "=" + NewValue.AsString() + " ";
+    };
+    child.OnGetValorPRM = [&](TParametres*, const AnsiString&, Variant&) { heard += "get "; };
+    child.OnChangeValorPRM = [&](TParametres*, const AnsiString&, const Variant&, bool&) { heard += "change "; };
+    child.FollowName("A");
+    set.AddParam("a", 1);
+    set.AddParam("B", 2);
+    set.GetParametreValue("A");
+    EXPECT_EQ(heard, "a=1 ");
+    child.ForgetNames();
+    child.FollowName("B");
+    set.AddParam("A", 3);
+    set.AddParam("b", 4);
+    EXPECT_EQ(heard, "a=1 B=4 ");
+    child.SetParams(nullptr);
+    set.AddParam("B", 5);
+    EXPECT_EQ(heard, "a=1 B=4 ");
+}
+
+TEST_F(TParametresChildTest, FollowersOfNamesAreToldInTheirTurn) {
+    AnsiString heard;
+    std::vector<std::unique_ptr<TParametresChild>> children;
+    for (int i = 0; i < 6; ++i) {
+        auto& child = *children.emplace_back(std::make_unique<TParametresChild>(nullptr));
+        if (i % 2 == 1) child.FollowNamesOnly();
+        child.SetParams(&set);
+        child.OnSetValorPRM = [&heard, i](TParametres*, const AnsiString&, const Variant&) { heard += IntToStr(i); };
+    }
+    for (const int i : {5, 1, 3}) children[static_cast<size_t>(i)]->FollowName("A");
+    children[3]->FollowName("B");
+    set.AddParam("A", 1);
+    EXPECT_EQ(heard, "012345");
+    heard.clear();
+    set.AddParam("B", 1);
+    EXPECT_EQ(heard, "0234");
+    heard.clear();
+    children[1].reset();
+    children[4].reset();
+    set.AddParam("A", 2);
+    EXPECT_EQ(heard, "0235");
+}
+
+TEST_F(TParametresChildTest, AFollowerThatComesToANameBeforeItsTurnIsTold) {
+    TParametresChild first(nullptr), second(nullptr);
+    int told = 0;
+    for (TParametresChild* child : {&first, &second}) {
+        child->FollowNamesOnly();
+        child->SetParams(&set);
+    }
+    first.FollowName("A");
+    first.OnSetValorPRM = [&](TParametres*, const AnsiString&, const Variant&) {
+        first.ForgetNames();
+        first.FollowName("A");
+        second.FollowName("A");
+    };
+    second.OnSetValorPRM = [&](TParametres*, const AnsiString&, const Variant&) { ++told; };
+    set.AddParam("A", 1);
+    EXPECT_EQ(told, 1);
+}
+
+TEST_F(TParametresChildTest, ASetThatGoesLetsFollowersOfNamesGo) {
+    TParametresChild child(nullptr);
+    child.FollowNamesOnly();
+    child.FollowName("A");
+    {
+        TParametres other(nullptr);
+        child.SetParams(&other);
+    }
+    EXPECT_EQ(child.Params(), nullptr);
+    child.FollowName("B");
+    child.SetParams(&set);
+    int told = 0;
+    child.OnSetValorPRM = [&](TParametres*, const AnsiString&, const Variant&) { ++told; };
+    set.AddParam("A", 1);
+    set.AddParam("B", 1);
+    EXPECT_EQ(told, 2);
+}
