@@ -9,6 +9,7 @@
 #include "platform/data/fields.h"
 #include "platform/objects/class_table.h"
 #include "platform/system/application.h"
+#include "query/Uquerysql.h"
 
 namespace vyn {
 
@@ -22,7 +23,7 @@ bool& Running() {
 // The framework's own component classes.
 constexpr const ClassInfo& (*kFrameworkClasses[])() = {
     &TVynApp::StaticClass,         &TParametres::StaticClass,  &TParametresChild::StaticClass,
-    &TParametresList::StaticClass, &TTreeVynLink::StaticClass,
+    &TParametresList::StaticClass, &TTreeVynLink::StaticClass, &TQuerySQL::StaticClass,
 };
 
 void LinkFrameworkClasses() {
@@ -59,6 +60,7 @@ void InitializePackage() {
     package_detail::RegisterUnlistedClasses();
     InitializeParametres();
     InitializeVynRegisteredClasses();
+    RegistraClasse(TTipusClasse::VynComp, &TQuerySQL::StaticClass(), false, TNotifyEvent());
     RegistraClasse(TTipusClasse::DataAccess, &TADOQuery::StaticClass(), false, TNotifyEvent());
     RegistraClasse(TTipusClasse::DataAccess, &TADOTable::StaticClass(), false, TNotifyEvent());
 }
