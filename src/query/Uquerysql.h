@@ -32,6 +32,8 @@ class TQuerySQL : public TComponent {
     // Composing.
     // Replaces the lines by one for each clause, empty ones too: select, from, where, group by, having, order by.
     void GenerateSql(TStrings* SQL);
+    // Replaces the lines by the whole statement, wherever it comes from; no lines for a table.
+    void GenerateStatement(TStrings* SQL);
     AnsiString RetornaCampDeSQL(TCampsDeUnSQL clause);
     // The select list.
     AnsiString CreaCampSelectdelSQL();

@@ -116,17 +116,26 @@ void TQuerySQL::PutStatement() {
         return;
     }
     TStringList lines;
-    if (SqlType == sql_DirectText) {
-        // What the functions gave replaces them in the dataset, so they are computed once: a text to be computed each
-        // time is composed from fields, or set anew.
-        AnsiString text;
-        database->GetSQLFromDataSet(dataSet_, text);
-        lines.SetText(text);
-        AplicaParametresSQL(&lines);
-    } else {
-        GenerateSql(&lines);
-    }
+    GenerateStatement(&lines);
     database->SetSQLToDataSet(lines.Text(), dataSet_);
+}
+
+void TQuerySQL::GenerateStatement(TStrings* SQL) {
+    if (DataSetType == ds_Table) {
+        SQL->Clear();
+        return;
+    }
+    if (SqlType == sql_byFields) {
+        GenerateSql(SQL);
+        return;
+    }
+    // What the functions give replaces them in the dataset when it is opened, so they are computed once: a text that
+    // is to be computed each time is composed from fields, or set anew.
+    RequireDataSet();
+    AnsiString text;
+    GetDataBaseVyn()->GetSQLFromDataSet(dataSet_, text);
+    SQL->SetText(text);
+    AplicaParametresSQL(SQL);
 }
 
 void TQuerySQL::AfterDataSetOpen(TDataSet* dataSet, const TDataSetNotifyEvent& next) {

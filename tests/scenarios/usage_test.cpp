@@ -46,7 +46,7 @@ TEST_F(Usage, HelpListsTheSubcommands) {
     EXPECT_EQ(ended.ExitStatus, 0);
     EXPECT_EQ(ended.Errors, "");
     const std::vector<std::string> names = Subcommands();
-    for (const char* name : {"run", "demo", "shot", "build", "export", "dump", "completion"})
+    for (const char* name : {"run", "demo", "shot", "build", "export", "dump", "sql", "completion"})
         EXPECT_EQ(std::count(names.begin(), names.end(), name), 1) << name;
 }
 
@@ -76,6 +76,7 @@ TEST_F(Usage, AMissingArgumentGivesTheSubcommandsUsage) {
     ExpectWrong({"run"}, "vyn run");
     ExpectWrong({"shot", VYN_SAMPLE}, "vyn shot");
     ExpectWrong({"shot", VYN_SAMPLE, "1"}, "vyn shot");
+    ExpectWrong({"sql", VYN_SAMPLE}, "vyn sql");
     ExpectWrong({"completion"}, "vyn completion");
 }
 
@@ -137,6 +138,7 @@ TEST_F(Usage, TheCompletionCompletesSubcommandsAndOptions) {
     EXPECT_EQ(complete("vyn bu"), "build\n");
     EXPECT_EQ(complete("vyn dump --j"), "--json\n");
     EXPECT_EQ(complete("vyn shot --si"), "--size\n");
+    EXPECT_EQ(complete("vyn sql --js"), "--json\n");
     EXPECT_EQ(complete("vyn completion ''"), "bash\n");
     // What help lists is what is completed.
     const std::string all = "\n" + complete("vyn ''");

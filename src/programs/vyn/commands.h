@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/streams/stream.h"
 
@@ -25,9 +26,17 @@ struct ShotOptions {
     int Height = 0;
 };
 
+struct SqlOptions {
+    RunOptions Application;
+    std::vector<std::string> Values;  // NAME=VALUE
+    bool Json = false;
+};
+
 int BuildCommand(const std::string& folder, const std::string& output);
 int ExportCommand(const std::string& file, const std::string& folder);
 int DumpCommand(const std::string& file, bool json);
+// Prints the statements that a node's queries compose.
+int SqlCommand(const SqlOptions& options);
 int PasswordCommand();
 int CompletionCommand(const std::string& shell);
 

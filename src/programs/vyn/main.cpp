@@ -11,6 +11,7 @@
 #include "platform/text/windows1252.h"
 #include "programs/host/custom_form.h"
 #include "programs/host/version.h"
+#include "programs/tools/named_values.h"
 #include "programs/vyn/commands.h"
 
 namespace {
@@ -26,6 +27,11 @@ bool ParseSize(const std::string& text, ShotOptions& options) {
     return std::sscanf(text.c_str(), "%dx%d%n", &options.Width, &options.Height, &taken) == 2 &&
            static_cast<size_t>(taken) == text.size() && options.Width > 0 && options.Height > 0 &&
            options.Width <= 16384 && options.Height <= 16384;
+}
+
+// What is wrong with an argument that should be NAME=VALUE; nothing when it is one.
+std::string CheckNamedValue(const std::string& text) {
+    return IsNamedValue(text) ? std::string() : text + " is no NAME=VALUE";
 }
 
 // The package lives as long as a command runs.
@@ -47,6 +53,7 @@ int Run(int argc, char** argv) {
 
     RunOptions run;
     ShotOptions shot;
+    SqlOptions sql;
     std::string folder, output, file, shell, size;
     bool json = false;
 
@@ -76,6 +83,14 @@ int Run(int argc, char** argv) {
     CLI::App* dumpCommand = program.add_subcommand("dump", "Say what a stream of the framework holds");
     dumpCommand->add_option("FILE", file, "the file")->required();
     dumpCommand->add_flag("--json", json, "print one JSON document");
+    CLI::App* sqlCommand = program.add_subcommand("sql", "Print the statements that a node's queries compose");
+    sqlCommand->add_option("FILE", sql.Application.File, "application file or source folder")->required();
+    sqlCommand->add_option("ID", sql.Application.Node, "the node")->required();
+    sqlCommand->add_option("NAME=VALUE", sql.Values, "parameters")->check(CheckNamedValue);
+    sqlCommand->add_option("--values", sql.Application.ValuesFile, "the user's values file")->type_name("FILE");
+    sqlCommand->add_option("--database", sql.Application.Database, "connection string of the database DBDades")
+        ->type_name("CONNECTION-STRING");
+    sqlCommand->add_flag("--json", sql.Json, "print one JSON document");
     CLI::App* passwordCommand =
         program.add_subcommand("password", "Read a password and print what a guard form stores of it");
     CLI::App* completionCommand = program.add_subcommand("completion", "Print a completion script");
@@ -103,6 +118,7 @@ int Run(int argc, char** argv) {
     if (buildCommand->parsed()) return BuildCommand(folder, output);
     if (exportCommand->parsed()) return ExportCommand(file, folder);
     if (dumpCommand->parsed()) return DumpCommand(file, json);
+    if (sqlCommand->parsed()) return SqlCommand(sql);
     if (passwordCommand->parsed()) return PasswordCommand();
     return CompletionCommand(shell);
 }

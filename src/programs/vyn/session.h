@@ -24,6 +24,8 @@ class Session : public NodeOpener {
     TFRMtnAplicacio& MainForm();
     // Opens a node without showing it; raises what goes wrong, also when it opens nothing.
     TComponent& Open(int idNode);
+    // The same (the main window for the root node), but for a node behind a guard, which is an error.
+    TComponent& OpenUnguarded(int idNode);
     void OpenNode(int idNode) override;
     // The user's values, when there are any.
     void SaveValues();

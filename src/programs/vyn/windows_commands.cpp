@@ -50,12 +50,7 @@ int ShotCommand(const ShotOptions& options, int argc, char** argv) {
     return qt::RunQtApplication(argc, argv, [&] {
         Session session(options.Application);
         const int node = options.Application.Node;
-        if (const int guard = session.GuardOf(node); guard > 0)
-            throw Exception("The node " + IntToStr(node) + " opens only after its guard, the node " + IntToStr(guard) +
-                            ", has let the user in");
-        TTreeVyn& tree = session.App().Tree();
-        TCustomForm* form =
-            node == tree.FirstIdNode() ? &session.MainForm() : ObjectCast<TCustomForm>(&session.Open(node));
+        auto* form = ObjectCast<TCustomForm>(&session.OpenUnguarded(node));
         if (!form) throw Exception("The node " + IntToStr(node) + " opens no window");
         qt::GrabFormToFile(*form, Utf8ToAnsi(options.Output), options.Width, options.Height);
         return 0;

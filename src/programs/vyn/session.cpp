@@ -142,6 +142,13 @@ TComponent& Session::Open(int idNode) {
                     "\" opens nothing: it has no component");
 }
 
+TComponent& Session::OpenUnguarded(int idNode) {
+    if (const int guard = GuardOf(idNode); guard > 0)
+        throw Exception("The node " + IntToStr(idNode) + " opens only after its guard, the node " + IntToStr(guard) +
+                        ", has let the user in");
+    return idNode == app_->Tree().FirstIdNode() ? MainForm() : Open(idNode);
+}
+
 void Session::OpenNode(int idNode) {
     TComponent* component = app_->ObreComponent(idNode, Application());
     if (auto* form = ObjectCast<TCustomForm>(component)) form->Show();
