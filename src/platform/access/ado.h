@@ -1,80 +1,99 @@
 #pragma once
 
-#include "platform/access/provider.h"
+#include "platform/access/ado_connection.h"
+#include "platform/access/parameters.h"
 #include "platform/data/data_set.h"
-#include "platform/objects/strings.h"
 
 namespace vyn {
 
-class TCustomADODataSet;
+class TableWriter;
 
-// A connection to a database through a provider. Opened when it is first needed; closing it closes its datasets.
-class TADOConnection : public TComponent {
-    VYN_OBJECT
-  public:
-    explicit TADOConnection(TComponent* owner) : TComponent(owner) {}
-    ~TADOConnection() override;
+enum class TCursorType { ctUnspecified, ctOpenForwardOnly, ctKeyset, ctDynamic, ctStatic };
+using enum TCursorType;
+const EnumType& TypeInfoOf(TypeTag<TCursorType>);
 
-    const AnsiString& ConnectionString() const { return connectionString_; }
-    // Raises EDatabaseError while connected.
-    void SetConnectionString(const AnsiString& value);
-    bool Connected() const { return connection_ != nullptr; }
-    // While the form is being read, connecting waits until it is loaded.
-    void SetConnected(bool value);
-    void Open() { SetConnected(true); }
-    void Close() { SetConnected(false); }
-    bool LoginPrompt = true;
+enum class TADOLockType { ltUnspecified, ltReadOnly, ltPessimistic, ltOptimistic, ltBatchOptimistic };
+using enum TADOLockType;
+const EnumType& TypeInfoOf(TypeTag<TADOLockType>);
 
-    // Runs statements that give no rows; gives the number of rows that changed. Connects when needed.
-    int64_t Execute(const AnsiString& sql);
-    void GetTableNames(TStrings& list);
-    // The provider's connection, made when it is not there.
-    ProviderConnection& Provider();
+enum class TExecuteOption { eoAsyncExecute, eoAsyncFetch, eoAsyncFetchNonBlocking, eoExecuteNoRecords };
+using enum TExecuteOption;
+using TExecuteOptions = Set<TExecuteOption>;
+const EnumType& TypeInfoOf(TypeTag<TExecuteOption>);
 
-    TNotifyEvent BeforeConnect;
-    TNotifyEvent AfterConnect;
-    TNotifyEvent BeforeDisconnect;
-    TNotifyEvent AfterDisconnect;
+enum class TMarshalOption { moMarshalAll, moMarshalModifiedOnly };
+using enum TMarshalOption;
+const EnumType& TypeInfoOf(TypeTag<TMarshalOption>);
 
-    void Loaded() override;
-
-  private:
-    friend class TCustomADODataSet;
-    AnsiString connectionString_;
-    std::unique_ptr<ProviderConnection> connection_;
-    std::vector<TCustomADODataSet*> dataSets_;
-    bool connectWhenLoaded_ = false;
-};
-
-// A dataset over a statement of a connection: its own ConnectionString, or a shared connection.
+// A dataset over a statement of a connection: its own ConnectionString, or a shared connection. Records of one table
+// are written back through TableWriter; others are read-only and say why.
 class TCustomADODataSet : public TDataSet {
     VYN_OBJECT
   public:
-    explicit TCustomADODataSet(TComponent* owner) : TDataSet(owner) {}
+    explicit TCustomADODataSet(TComponent* owner);
     ~TCustomADODataSet() override;
 
     TADOConnection* Connection() const { return connection_; }
     void SetConnection(TADOConnection* value);
     const AnsiString& ConnectionString() const { return connectionString_; }
     void SetConnectionString(const AnsiString& value);
+    // ltReadOnly: nothing is written; ltPessimistic: a record is read anew when its editing begins.
+    TADOLockType LockType() const { return lockType_; }
+    void SetLockType(TADOLockType value);
+    TCursorLocation CursorLocation() const { return cursorLocation_; }
+    void SetCursorLocation(TCursorLocation value);
+    TCursorType CursorType() const { return cursorType_; }
+    void SetCursorType(TCursorType value);
+    int32_t CacheSize = 1;
+    int32_t CommandTimeout = 30;
+    TExecuteOptions ExecuteOptions;
+    TMarshalOption MarshalOptions = moMarshalAll;
+    int32_t MaxRecords = 0;  // 0: all
+    bool EnableBCD = true;
+    bool Prepared = false;
+
+    TDataSource* GetDataSource() const override;
 
   protected:
+    class MasterLink;
     virtual AnsiString CommandText() = 0;
-    virtual std::vector<Variant> ParameterValues() { return {}; }
+    virtual ParameterParsing Parsing() const { return ParameterParsing::On; }
+    // The values of a statement's parameters, by its marks.
+    virtual std::vector<ProviderValue> ParameterValues(const EngineSql& sql, int count) = 0;
+    // The master moved, changed, opened or closed.
+    virtual void MasterChanged() = 0;
+    void SetMaster(TDataSource* value);
+    // The master while it is open, or null.
+    TDataSet* Master() const;
+    ProviderConnection& RequireConnection();
+    // Before anything is written.
+    void FinishReading();
+
     std::vector<FieldDefinition> InternalOpen() override;
     bool InternalFetch(RowStore& rows, int64_t count) override;
     void InternalClose() override;
+    AnsiString ReasonNotToModify() const override;
+    void InternalEdit(Record& record) override;
+    void InternalInsert(Record& record) override;
+    void InternalUpdate(const Record& original, Record& record) override;
+    void InternalDelete(const Record& original) override;
     void Notification(TComponent* component, TOperation operation) override;
-    ProviderConnection& RequireConnection();
 
   private:
+    friend class TADOConnection;
     TADOConnection* connection_ = nullptr;
     AnsiString connectionString_;
     std::unique_ptr<TADOConnection> ownConnection_;
     std::unique_ptr<ProviderStatement> statement_;
+    std::unique_ptr<TableWriter> writer_;
+    std::unique_ptr<MasterLink> master_;
+    TADOLockType lockType_ = ltOptimistic;
+    TCursorLocation cursorLocation_ = clUseClient;
+    TCursorType cursorType_ = ctKeyset;
 };
 
-// The rows of a SELECT statement.
+// The rows of a SELECT statement. Its parameters (":name") take their values from Parameters, and from the fields of
+// the same names of DataSource's dataset, whenever another record of that is current.
 class TADOQuery : public TCustomADODataSet {
     VYN_OBJECT
   public:
@@ -83,17 +102,38 @@ class TADOQuery : public TCustomADODataSet {
 
     TStrings* SQL() const { return const_cast<TStringList*>(&sql_); }
     void SetSQL(TStrings* value) { sql_.Assign(value); }
+    TParameters* Parameters() const { return parameters_.get(); }
+    void SetParameters(TParameters* value) { parameters_->Assign(value); }
+    // Whether parameters are looked for in SQL; without it colons are nothing special, and parameters go by order to
+    // the marks "?".
+    bool ParamCheck() const { return paramCheck_; }
+    void SetParamCheck(bool value);
+    TDataSource* DataSource() const { return GetDataSource(); }
+    void SetDataSource(TDataSource* value) { SetMaster(value); }
     // Runs a statement that gives no rows; gives the number of rows that changed.
     int64_t ExecSQL();
+    int64_t RowsAffected() const { return rowsAffected_; }
+
+    void Loaded() override;
 
   protected:
     AnsiString CommandText() override;
+    ParameterParsing Parsing() const override { return paramCheck_ ? ParameterParsing::On : ParameterParsing::Off; }
+    std::vector<ProviderValue> ParameterValues(const EngineSql& sql, int count) override;
+    void MasterChanged() override;
 
   private:
+    void SqlChanged();
+    // Whether a parameter has another value now.
+    bool TakeMasterValues();
+
     TStringList sql_;
+    std::unique_ptr<TParameters> parameters_;
+    bool paramCheck_ = true;
+    int64_t rowsAffected_ = 0;
 };
 
-// All rows of a table.
+// The records of a table; with a master, those whose IndexFieldNames are as the master's MasterFields.
 class TADOTable : public TCustomADODataSet {
     VYN_OBJECT
   public:
@@ -102,12 +142,43 @@ class TADOTable : public TCustomADODataSet {
 
     const AnsiString& TableName() const { return tableName_; }
     void SetTableName(const AnsiString& value);
+    // The order of the records: names of fields, separated by semicolons, or an index.
+    const AnsiString& IndexFieldNames() const { return indexFieldNames_; }
+    void SetIndexFieldNames(const AnsiString& value);
+    const AnsiString& IndexName() const { return indexName_; }
+    void SetIndexName(const AnsiString& value);
+    const AnsiString& MasterFields() const { return masterFields_; }
+    void SetMasterFields(const AnsiString& value);
+    TDataSource* MasterSource() const { return GetDataSource(); }
+    void SetMasterSource(TDataSource* value) { SetMaster(value); }
+    bool ReadOnly() const { return readOnly_; }
+    void SetReadOnly(bool value);
+    bool TableDirect = false;
 
   protected:
     AnsiString CommandText() override;
+    ParameterParsing Parsing() const override { return ParameterParsing::Off; }
+    std::vector<ProviderValue> ParameterValues(const EngineSql& sql, int count) override;
+    void MasterChanged() override;
+    void InternalNewRecord() override;
+    AnsiString ReasonNotToModify() const override;
 
   private:
+    struct Pair {
+        AnsiString detail;
+        TField* master;
+    };
+    // How detail and master hang together; empty without an open master.
+    std::vector<Pair> Links() const;
+    std::vector<AnsiString> OrderFields();
+    void ChangeResult(AnsiString& member, const AnsiString& value);
+
     AnsiString tableName_;
+    AnsiString indexFieldNames_;
+    AnsiString indexName_;
+    AnsiString masterFields_;
+    std::vector<ProviderValue> shownFor_;  // the master's values of the records that are there
+    bool readOnly_ = false;
 };
 
 // Links the classes of this room.

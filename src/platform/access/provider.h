@@ -5,35 +5,59 @@
 #include <vector>
 
 #include "platform/access/connection_string.h"
+#include "platform/access/dialect.h"
 #include "platform/data/row_store.h"
-#include "platform/values/variant.h"
 
 namespace vyn {
 
 // What a database engine gives the access room. An engine stands in its own room below src/providers and is registered
 // by its name; nothing else knows it. Errors are EDatabaseError with the engine's own reason. Main thread only.
 
-// A statement that gives rows.
+// A value on its way to the engine: the field's type says how it is written, ftUnknown: as the cell holds it.
+struct ProviderValue {
+    TFieldType Type = ftUnknown;
+    Cell Value;
+};
+
+// A prepared statement.
 class ProviderStatement {
   public:
     virtual ~ProviderStatement() = default;
     virtual std::vector<FieldDefinition> Columns() = 0;
+    // Says what the columns hold where the engine cannot know it (what a changing statement gives back).
+    virtual void ExpectColumns(std::vector<FieldDefinition> columns) = 0;
     // Binds the parameters by position; a statement can be run again.
-    virtual void Bind(const std::vector<Variant>& parameters) = 0;
+    virtual void Bind(const std::vector<ProviderValue>& values) = 0;
+    // The number of "?" in it.
+    virtual int ParameterCount() const = 0;
     // Appends up to `count` rows; false when there are no more.
     virtual bool Fetch(RowStore& rows, int64_t count) = 0;
+    // Runs it to its end; gives the number of rows that it changed.
+    virtual int64_t Execute() = 0;
 };
+
+enum class SystemTables { Leave, Include };
 
 class ProviderConnection {
   public:
     virtual ~ProviderConnection() = default;
-    // Parameters stand as "?". Text is Windows-1252.
+    virtual const EngineDialect& Dialect() const = 0;
+    // SQL in the engine's own dialect, Windows-1252; parameters stand as "?".
     virtual std::unique_ptr<ProviderStatement> Prepare(const AnsiString& sql) = 0;
     // A statement without rows, or several; gives the number of rows that changed.
     virtual int64_t Execute(const AnsiString& sql) = 0;
-    virtual std::vector<AnsiString> TableNames() = 0;
-    // A name as the engine quotes it.
-    virtual AnsiString QuotedName(const AnsiString& name) const = 0;
+    virtual std::vector<AnsiString> TableNames(SystemTables system) = 0;
+    virtual std::vector<AnsiString> ProcedureNames() = 0;
+    // The columns of a table's primary key, and of one of its indexes, in their order; empty when there is none.
+    virtual std::vector<AnsiString> KeyColumns(const AnsiString& table) = 0;
+    virtual std::vector<AnsiString> IndexColumns(const AnsiString& table, const AnsiString& index) = 0;
+    // Transactions may be nested as far as the engine lets them; each gives the depth that it leaves.
+    virtual int Begin() = 0;
+    virtual int Commit() = 0;
+    virtual int Rollback() = 0;
+    virtual int TransactionDepth() const = 0;
+    // What follows an INSERT or UPDATE to have it give back `columns` as the engine then holds them.
+    virtual AnsiString Returning(const std::vector<AnsiString>& columns) const = 0;
 };
 
 using ProviderFactory = std::function<std::unique_ptr<ProviderConnection>(const ConnectionString& settings)>;

@@ -200,7 +200,7 @@ class TCustomDBGrid::Link : public TDataLink {
     explicit Link(TCustomDBGrid& grid) : grid_(grid) {}
 
   protected:
-    void Changed(DataEvent event) override { grid_.DataChanged(event); }
+    void Changed(DataEvent event, TField*) override { grid_.DataChanged(event); }
 
   private:
     TCustomDBGrid& grid_;
@@ -261,8 +261,12 @@ void TCustomDBGrid::DataChanged(DataEvent event) {
             KeepCurrentInSight();
             PeerChanged(PeerChange::Selection);
             break;
+        case DataEvent::StateChanged:
         case DataEvent::RecordChanged:
             PeerChanged(PeerChange::Invalidate);
+            break;
+        case DataEvent::UpdateRecord:
+        case DataEvent::CheckBrowse:
             break;
     }
 }

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "platform/data/data_set_focus.h"
 #include "platform/objects/class_table.h"
 #include "platform/text/compare.h"
-#include "platform/text/exceptions.h"
 #include "platform/text/numbers.h"
 
 namespace vyn {
@@ -14,14 +14,9 @@ namespace data_set_detail {
 // Rows fetched at a time when somebody asks for one more.
 constexpr int64_t kFetchStep = 256;
 constexpr int64_t kEverything = INT64_MAX;
+constexpr char kClosed[] = "Cannot perform this operation on a closed dataset";
 
 }  // namespace data_set_detail
-
-const EnumType& TypeInfoOf(TypeTag<TDataSetState>) {
-    static const EnumType info(
-        "TDataSetState", {"dsInactive", "dsBrowse", "dsEdit", "dsInsert", "dsSetKey", "dsCalcFields", "dsOpening"});
-    return info;
-}
 
 const ClassInfo& TDataSet::StaticClass() {
     static const ClassInfo info = DefineClass<TDataSet, TComponent>("TDataSet");
@@ -46,6 +41,10 @@ void TDataSet::CheckInactive() const {
     if (Active()) DatabaseError("Cannot perform this operation on an open dataset");
 }
 
+void TDataSet::CheckActive() const {
+    if (!rows_) DatabaseError(data_set_detail::kClosed);
+}
+
 void TDataSet::SetActive(bool value) {
     if (HasState(csLoading)) {
         openWhenLoaded_ = value;
@@ -68,21 +67,34 @@ void TDataSet::GetChildren(const std::function<void(TComponent*)>& visit, TCompo
         if (field->Owner() == root) visit(field);
 }
 
+void TDataSet::StartRows() {
+    std::vector<ColumnKind> kinds;
+    for (const FieldDefinition& definition : definitions_) kinds.push_back(ColumnKindOf(definition.DataType));
+    rows_ = std::make_unique<RowStore>(std::move(kinds));
+    ++opening_;
+    allFetched_ = false;
+    viewed_ = false;
+    view_.clear();
+    calculatedRow_ = -1;
+    current_ = -1;
+}
+
 void TDataSet::DoOpen() {
     BeforeOpen(this);
     state_ = dsOpening;
     try {
         definitions_ = InternalOpen();
-        std::vector<ColumnKind> kinds;
-        for (const FieldDefinition& definition : definitions_) kinds.push_back(ColumnKindOf(definition.DataType));
-        rows_ = std::make_unique<RowStore>(std::move(kinds));
-        allFetched_ = false;
+        StartRows();
         BindFields();
         state_ = dsBrowse;
+        RebuildView();
         FetchTo(1);
     } catch (...) {
+        InternalClose();
         FreeOwnFields();
+        for (TField* field : fields_) field->Unbind();
         rows_.reset();
+        definitions_.clear();
         state_ = dsInactive;
         allFetched_ = true;
         throw;
@@ -97,11 +109,14 @@ void TDataSet::DoOpen() {
 
 void TDataSet::DoClose() {
     BeforeClose(this);
+    StopEditing();
     state_ = dsInactive;
     InternalClose();
     FreeOwnFields();
     for (TField* field : fields_) field->Unbind();
     rows_.reset();
+    viewed_ = false;
+    view_.clear();
     definitions_.clear();
     allFetched_ = true;
     current_ = -1;
@@ -110,20 +125,77 @@ void TDataSet::DoClose() {
     AfterClose(this);
 }
 
+void TDataSet::Requery() {
+    CheckActive();
+    StopEditing();
+    InternalClose();
+    try {
+        std::vector<FieldDefinition> definitions = InternalOpen();
+        const bool same = definitions == definitions_;
+        definitions_ = std::move(definitions);
+        StartRows();
+        if (!same) {
+            FreeOwnFields();
+            BindFields();
+        }
+        state_ = dsBrowse;
+        RebuildView();
+        FetchTo(1);
+        current_ = RecordsFetched() > 0 ? 0 : -1;
+        bof_ = true;
+        eof_ = current_ < 0;
+        if (!same) Announce(DataEvent::LayoutChanged);
+    } catch (...) {
+        if (Active()) DoClose();
+        throw;
+    }
+    Announce(DataEvent::RecordsChanged);
+}
+
+void TDataSet::Refresh() {
+    CheckBrowseMode();
+    BeforeRefresh(this);
+    AnsiString keys;
+    std::vector<Variant> values;
+    for (const TField* field : fields_) {
+        if (field->FieldNo() < 0 || !definitions_[static_cast<size_t>(field->FieldNo())].InKey) continue;
+        keys += (keys.empty() ? "" : ";") + field->FieldName();
+        values.push_back(field->Value());
+    }
+    const int64_t record = current_;
+    {
+        const DisabledControls quiet(*this);
+        Requery();
+        // Without a key, or when the record is gone: what stands at its place.
+        if (keys.empty() || record < 0 || !Locate(keys, values))
+            if (record > 0) SetCurrentRecord(std::min(record, FetchTo(record + 1) - 1));
+    }
+    AfterRefresh(this);
+}
+
 void TDataSet::BindFields() {
-    // Fields of the form stay; without any, the result's columns make the fields.
-    if (fields_.empty()) {
+    const bool hasStored = std::any_of(fields_.begin(), fields_.end(),
+                                       [](const TField* field) { return field->FieldKind() == fkData; });
+    // Fields of the form stay; without any, the result's columns make the fields, before the form's calculated ones.
+    if (!hasStored) {
+        const std::vector<TField*> others = fields_;
+        fields_.clear();
         for (size_t i = 0; i < definitions_.size(); ++i) {
             auto* field = static_cast<TField*>(FieldClassOf(definitions_[i].DataType)->Create(nullptr));
             field->SetFieldName(definitions_[i].Name);
             field->Required = definitions_[i].Required;
+            field->SetSize(ColumnKindOf(definitions_[i].DataType) == ColumnKind::Text || definitions_[i].Size > 0
+                               ? definitions_[i].Size
+                               : field->Size());
             field->SetDataSet(this);
             ownFields_.push_back(field);
             field->Bind(definitions_[i], static_cast<int>(i));
         }
+        fields_.insert(fields_.end(), others.begin(), others.end());
         return;
     }
     for (TField* field : fields_) {
+        if (field->FieldKind() != fkData) continue;
         const auto found = std::find_if(definitions_.begin(), definitions_.end(), [&](const FieldDefinition& each) {
             return AnsiSameText(each.Name, field->FieldName());
         });
@@ -148,15 +220,29 @@ void TDataSet::FreeOwnFields() {
 }
 
 const RowStore& TDataSet::Rows() const {
-    if (!rows_) DatabaseError("Cannot perform this operation on a closed dataset");
+    CheckActive();
     return *rows_;
 }
+
+int64_t TDataSet::RecordsFetched() const {
+    if (!rows_) return 0;
+    return viewed_ ? static_cast<int64_t>(view_.size()) : rows_->Count();
+}
+
+int64_t TDataSet::RowOf(int64_t record) const {
+    if (record < 0 || record >= RecordsFetched()) return -1;
+    return viewed_ ? view_[static_cast<size_t>(record)] : record;
+}
+
+int64_t TDataSet::ActiveRow() const { return focused_ ? focus_ : RowOf(current_); }
 
 int64_t TDataSet::FetchTo(int64_t count) {
     if (!rows_) return 0;
     while (!allFetched_ && RecordsFetched() < count) {
+        const int64_t from = rows_->Count();
         const int64_t missing = std::max(count - RecordsFetched(), data_set_detail::kFetchStep);
         if (!InternalFetch(*rows_, missing)) allFetched_ = true;
+        if (viewed_) ExtendView(from);
     }
     return RecordsFetched();
 }
@@ -174,19 +260,21 @@ void TDataSet::MoveTo(int64_t record) {
 
 void TDataSet::SetCurrentRecord(int64_t record) {
     if (record < 0 || record >= FetchTo(record + 1) || record == current_) return;
+    CheckBrowseMode();
     bof_ = eof_ = false;
-    MoveTo(record);
+    // What stood there may have gone with the record that was left.
+    if (RecordsFetched() > 0) MoveTo(std::min(record, RecordsFetched() - 1));
 }
 
 void TDataSet::First() {
-    if (!rows_) DatabaseError("Cannot perform this operation on a closed dataset");
+    CheckBrowseMode();
     eof_ = RecordsFetched() == 0;
     bof_ = true;
     MoveTo(RecordsFetched() > 0 ? 0 : -1);
 }
 
 void TDataSet::Last() {
-    if (!rows_) DatabaseError("Cannot perform this operation on a closed dataset");
+    CheckBrowseMode();
     const int64_t count = RecordCount();
     bof_ = count == 0;
     eof_ = true;
@@ -194,8 +282,10 @@ void TDataSet::Last() {
 }
 
 int64_t TDataSet::MoveBy(int64_t distance) {
-    if (!rows_) DatabaseError("Cannot perform this operation on a closed dataset");
-    if (distance == 0 || current_ < 0) return 0;
+    CheckActive();
+    if (distance == 0) return 0;
+    CheckBrowseMode();
+    if (current_ < 0) return 0;
     const int64_t wanted = current_ + distance;
     const int64_t last =
         std::max<int64_t>(wanted, 0) >= RecordsFetched() ? FetchTo(wanted + 1) - 1 : RecordsFetched() - 1;
@@ -223,91 +313,40 @@ TField* TDataSet::FieldByName(const AnsiString& name) const {
     DatabaseError("Field '" + name + "' not found");
 }
 
-void TDataSet::EnableControls() {
-    if (disableCount_ == 0 || --disableCount_ > 0 || !announcePending_) return;
-    announcePending_ = false;
-    Announce(Active() ? DataEvent::RecordsChanged : DataEvent::ActiveChanged);
+void TDataSet::DisableControls() {
+    if (disableCount_++ == 0) stateWhenDisabled_ = state_;
 }
 
-void TDataSet::Announce(DataEvent event) {
-    if (disableCount_ > 0 && event != DataEvent::ActiveChanged) {
+void TDataSet::EnableControls() {
+    if (disableCount_ == 0 || --disableCount_ > 0) return;
+    const bool pending = announcePending_, layout = layoutPending_;
+    announcePending_ = layoutPending_ = false;
+    if (Active() != (stateWhenDisabled_ != dsInactive)) {
+        Announce(DataEvent::ActiveChanged);
+        return;
+    }
+    if (state_ != stateWhenDisabled_) Announce(DataEvent::StateChanged);
+    if (!Active()) return;
+    if (layout) Announce(DataEvent::LayoutChanged);
+    if (pending) Announce(DataEvent::RecordsChanged);
+}
+
+void TDataSet::Announce(DataEvent event, TField* field) {
+    // What is typed has to come into the fields whether or not it is shown.
+    const bool alwaysTold = event == DataEvent::UpdateRecord || event == DataEvent::CheckBrowse;
+    if (disableCount_ > 0 && !alwaysTold) {
         announcePending_ = true;
+        // Closed and opened again: other fields.
+        if (event == DataEvent::LayoutChanged || event == DataEvent::ActiveChanged) layoutPending_ = true;
         return;
     }
     for (size_t i = sources_.size(); i-- > 0;)
-        if (i < sources_.size()) sources_[i]->Tell(event);
-}
-
-const ClassInfo& TDataSource::StaticClass() {
-    static const ClassInfo info = DefineClass<TDataSource, TComponent>("TDataSource")
-                                      .Published("AutoEdit", &TDataSource::AutoEdit, &TDataSource::AutoEdit)
-                                      .Default(true)
-                                      .Published("DataSet", &TDataSource::DataSet, &TDataSource::SetDataSet)
-                                      .Published("Enabled", &TDataSource::Enabled, &TDataSource::SetEnabled)
-                                      .Default(true)
-                                      .Event("OnStateChange", &TDataSource::OnStateChange)
-                                      .Event("OnDataChange", &TDataSource::OnDataChange)
-                                      .Event("OnUpdateData", &TDataSource::OnUpdateData);
-    return info;
-}
-
-TDataSource::~TDataSource() {
-    BeginDestruction();
-    SetDataSet(nullptr);
-    while (!links_.empty()) links_.back()->SetDataSource(nullptr);
-}
-
-void TDataSource::SetDataSet(TDataSet* value) {
-    if (value == dataSet_) return;
-    if (dataSet_) std::erase(dataSet_->sources_, this);
-    dataSet_ = value;
-    if (value) {
-        value->sources_.push_back(this);
-        value->FreeNotification(this);
-    }
-    Tell(DataEvent::ActiveChanged);
-}
-
-void TDataSource::SetEnabled(bool value) {
-    if (value == enabled_) return;
-    enabled_ = value;
-    Tell(DataEvent::ActiveChanged);
-}
-
-void TDataSource::Notification(TComponent* component, TOperation operation) {
-    TComponent::Notification(component, operation);
-    if (operation == opRemove && component == dataSet_) SetDataSet(nullptr);
-}
-
-void TDataSource::Tell(DataEvent event) {
-    for (size_t i = links_.size(); i-- > 0;)
-        if (i < links_.size()) links_[i]->Changed(event);
-    if (HasState(csDestroying)) return;
-    if (event == DataEvent::ActiveChanged) OnStateChange(this);
-    OnDataChange(this, nullptr);
-}
-
-TDataLink::~TDataLink() {
-    if (source_) std::erase(source_->links_, this);
-}
-
-void TDataLink::SetDataSource(TDataSource* value) {
-    if (value == source_) return;
-    if (source_) std::erase(source_->links_, this);
-    source_ = value;
-    if (value) value->links_.push_back(this);
-    Changed(DataEvent::ActiveChanged);
-}
-
-TDataSet* TDataLink::ActiveDataSet() const {
-    return source_ && source_->Enabled() && source_->DataSet() && source_->DataSet()->Active() ? source_->DataSet()
-                                                                                               : nullptr;
+        if (i < sources_.size()) sources_[i]->Tell(event, field);
 }
 
 void RegisterDataClasses() {
-    for (TFieldType type : {ftString, ftWideString, ftMemo, ftSmallint, ftInteger, ftAutoInc, ftLargeint, ftFloat,
-                            ftCurrency, ftBCD, ftBoolean, ftDate, ftTime, ftDateTime, ftBlob})
-        AddLinkedClass(FieldClassOf(type));
+    for (int type = 0; type <= static_cast<int>(ftLargeint); ++type)
+        AddLinkedClass(FieldClassOf(static_cast<TFieldType>(type)));
     AddLinkedClass(&TDataSource::StaticClass());
 }
 

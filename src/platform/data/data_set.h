@@ -1,36 +1,43 @@
 #pragma once
 
+#include <exception>
 #include <memory>
 #include <vector>
 
+#include "platform/data/data_source.h"
 #include "platform/data/fields.h"
 #include "platform/data/row_store.h"
+#include "platform/text/exceptions.h"
 
 namespace vyn {
 
-class TDataLink;
-class TDataSource;
+// How records are searched.
+enum class TLocateOption { loCaseInsensitive, loPartialKey };
+using enum TLocateOption;
+using TLocateOptions = Set<TLocateOption>;
+const EnumType& TypeInfoOf(TypeTag<TLocateOption>);
 
-enum class TDataSetState { dsInactive, dsBrowse, dsEdit, dsInsert, dsSetKey, dsCalcFields, dsOpening };
-using enum TDataSetState;
-const EnumType& TypeInfoOf(TypeTag<TDataSetState>);
+// What is done about an error of the engine: raised, given up in silence, tried again.
+enum class TDataAction { daFail, daAbort, daRetry };
+using enum TDataAction;
 
-// What a dataset tells those who show it.
-enum class DataEvent {
-    ActiveChanged,   // opened or closed
-    RecordsChanged,  // other records, or more of them
-    Scrolled,        // another current record
-    LayoutChanged,   // other fields, or they look otherwise
-    RecordChanged,   // the current record's values
+// A record that can be gone back to while the dataset stays open, also when others come and go.
+struct TBookmark {
+    int64_t Identity = -1;
+    int Opening = 0;
+    bool Empty() const { return Identity < 0; }
+    friend bool operator==(TBookmark, TBookmark) = default;
 };
 
 using TDataSetNotifyEvent = Event<void(TDataSet* DataSet)>;
 using TFilterRecordEvent = Event<void(TDataSet* DataSet, bool& Accept)>;
+using TDataSetErrorEvent = Event<void(TDataSet* DataSet, EDatabaseError& Error, TDataAction& Action)>;
 
 // Records from somewhere, one of which is the current one.
 //
 // Reading: rows are fetched as they are asked for, in order, and kept in a RowStore; RecordsFetched says how many there
-// are so far, FetchTo gets more. Everything that shows the dataset hears of changes through data sources, once, when
+// are so far, FetchTo gets more. Editing: Edit, Insert or Append begin, fields are set, Post writes and Cancel forgets;
+// moving away posts. Everything that shows the dataset hears of changes through data sources, once, when
 // DisableControls is not in force. Errors are EDatabaseError. Main thread only.
 class TDataSet : public TComponent {
     VYN_OBJECT
@@ -45,6 +52,8 @@ class TDataSet : public TComponent {
     void Open() { SetActive(true); }
     void Close() { SetActive(false); }
     TDataSetState State() const { return state_; }
+    // Fetches the records anew and stays at the current one, found by its key, or by its number.
+    void Refresh();
 
     // The current record.
     void First();
@@ -63,13 +72,52 @@ class TDataSet : public TComponent {
     int64_t RecNo() const { return current_ + 1; }
 
     // The records.
-    int64_t RecordsFetched() const { return rows_ ? rows_->Count() : 0; }
+    int64_t RecordsFetched() const;
     // Fetches until that many are there; gives how many there are.
     int64_t FetchTo(int64_t count);
     bool AllFetched() const { return allFetched_; }
     // Fetches all.
     int64_t RecordCount();
     const RowStore& Rows() const;
+    // Where a record stands in the rows.
+    int64_t RowOf(int64_t record) const;
+
+    // Searching, from the first record on. Key fields are separated by semicolons, and there is a value for each. A
+    // null is found by Null; options concern texts only. Locate goes to the first record found and says whether there
+    // is one; Lookup gives the value of a field of it (Null when there is none) and stays.
+    bool Locate(const AnsiString& keyFields, const Variant& value, TLocateOptions options = {});
+    bool Locate(const AnsiString& keyFields, const std::vector<Variant>& values, TLocateOptions options = {});
+    Variant Lookup(const AnsiString& keyFields, const Variant& value, const AnsiString& resultField);
+    Variant Lookup(const AnsiString& keyFields, const std::vector<Variant>& values, const AnsiString& resultField);
+    TBookmark GetBookmark() const;
+    bool BookmarkValid(TBookmark bookmark) const;
+    // Raises EDatabaseError "Record not found" for a record that is gone.
+    void GotoBookmark(TBookmark bookmark);
+
+    // Which records are shown: those that OnFilterRecord takes, while Filtered is set.
+    bool Filtered() const { return filtered_; }
+    void SetFiltered(bool value);
+    // In which order: names of fields, separated by commas, each perhaps followed by ASC or DESC; empty: as they come.
+    const AnsiString& Sort() const { return sort_; }
+    void SetSort(const AnsiString& value);
+
+    // Editing.
+    bool IsEditing() const { return state_ == dsEdit || state_ == dsInsert; }
+    // Whether values were set since editing began.
+    bool Modified() const { return modified_; }
+    bool CanModify() const { return Active() && ReasonNotToModify().empty(); }
+    void Edit();
+    void Insert();
+    void Append();
+    void Post();
+    void Cancel();
+    void Delete();
+    // Ends editing: posts what was changed.
+    void CheckBrowseMode();
+    // Has controls put what is typed into the fields.
+    void UpdateRecord();
+    // Clears every field of the record being edited.
+    void ClearFields();
 
     // Fields.
     int FieldCount() const { return static_cast<int>(fields_.size()); }
@@ -78,19 +126,24 @@ class TDataSet : public TComponent {
     // Raises EDatabaseError "NAME: Field 'X' not found".
     TField* FieldByName(const AnsiString& name) const;
     const std::vector<FieldDefinition>& FieldDefinitions() const { return definitions_; }
+    // Whether calculated fields follow each change while the record is edited.
+    bool AutoCalcFields = true;
 
     // Announcements.
-    void DisableControls() { ++disableCount_; }
+    void DisableControls();
     void EnableControls();
     bool ControlsDisabled() const { return disableCount_ > 0; }
-    void Announce(DataEvent event);
+    void Announce(DataEvent event, TField* field = nullptr);
+    // The source of this dataset's master, or null.
+    virtual TDataSource* GetDataSource() const { return nullptr; }
 
-    TDataSetNotifyEvent BeforeOpen;
-    TDataSetNotifyEvent AfterOpen;
-    TDataSetNotifyEvent BeforeClose;
-    TDataSetNotifyEvent AfterClose;
-    TDataSetNotifyEvent BeforeScroll;
-    TDataSetNotifyEvent AfterScroll;
+    TDataSetNotifyEvent BeforeOpen, AfterOpen, BeforeClose, AfterClose;
+    TDataSetNotifyEvent BeforeInsert, AfterInsert, BeforeEdit, AfterEdit, BeforePost, AfterPost;
+    TDataSetNotifyEvent BeforeCancel, AfterCancel, BeforeDelete, AfterDelete;
+    TDataSetNotifyEvent BeforeScroll, AfterScroll, BeforeRefresh, AfterRefresh;
+    TDataSetNotifyEvent OnCalcFields, OnNewRecord;
+    TDataSetErrorEvent OnDeleteError, OnEditError, OnPostError;
+    TFilterRecordEvent OnFilterRecord;
 
     void Loaded() override;
     void GetChildren(const std::function<void(TComponent*)>& visit, TComponent* root) override;
@@ -101,18 +154,55 @@ class TDataSet : public TComponent {
     // Puts up to `count` further rows into the store; false when there are no more.
     virtual bool InternalFetch(RowStore& rows, int64_t count) = 0;
     virtual void InternalClose() = 0;
+    // A sentence for the user, or empty when records may be changed.
+    virtual AnsiString ReasonNotToModify() const { return "Cannot modify a read-only dataset"; }
+    // A record is about to be edited; it may be brought up to date.
+    virtual void InternalEdit(Record& record) {}
+    // Write one record; `record` comes back as the engine then holds it. What is unset in a new one, the engine fills.
+    virtual void InternalInsert(Record& record) {}
+    virtual void InternalUpdate(const Record& original, Record& record) {}
+    virtual void InternalDelete(const Record& original) {}
+    // A record is begun; its fields may get their first values.
+    virtual void InternalNewRecord() {}
     [[noreturn]] void DatabaseError(const AnsiString& text) const;
     // For setters of what a result depends on: raises when it is open.
     void CheckInactive() const;
+    void CheckActive() const;
+    // Runs the result again without closing; fields stay when the columns are the same.
+    void Requery();
 
   private:
     friend class TField;
     friend class TDataSource;
+    struct KeyMatcher;
+    struct StoredOrder;
+    class RowInFocus;
     void DoOpen();
     void DoClose();
+    void StartRows();
     void BindFields();
     void FreeOwnFields();
     void MoveTo(int64_t record);
+    int64_t FindRecord(const KeyMatcher& matcher);
+    TField* DataFieldByName(const AnsiString& name) const;
+    // The row whose values fields give: the current record's, or that of the record being looked at.
+    int64_t ActiveRow() const;
+    const Cell* EditedCell(int64_t row, int column) const;
+    void PutField(TField& field, Cell cell);
+    void CheckCanModify() const;
+    void CheckRequired() const;
+    void BeginInsert(int64_t at);
+    void RemoveRecord(int64_t record);
+    void WriteCurrent();
+    void StopEditing();
+    template <class F>
+    void WithErrorEvent(const TDataSetErrorEvent& event, F action);
+    Cell CalculatedCell(int64_t row, const TField& field);
+    void Calculate(int64_t row);
+    bool Accepts(int64_t row);
+    bool HasView() const { return viewed_; }
+    void RebuildView();
+    void ExtendView(int64_t from);
 
     TDataSetState state_ = dsInactive;
     bool openWhenLoaded_ = false;
@@ -120,66 +210,52 @@ class TDataSet : public TComponent {
     std::vector<TField*> ownFields_;  // made by opening
     std::vector<FieldDefinition> definitions_;
     std::unique_ptr<RowStore> rows_;
+    int opening_ = 0;
     bool allFetched_ = true;
     int64_t current_ = -1;
     bool bof_ = true;
     bool eof_ = true;
+    // Records as rows, when they are filtered or sorted.
+    bool viewed_ = false;
+    std::vector<int64_t> view_;
+    bool filtered_ = false;
+    AnsiString sort_;
+    // The record being edited.
+    Record edited_;
+    Record original_;
+    bool modified_ = false;
+    int64_t beforeInsert_ = -1;
+    // What is looked at instead of the current record: a row, or none.
+    int64_t focus_ = -1;
+    bool focused_ = false;
+    int64_t calculatedRow_ = -1;
+    bool calculating_ = false;
+    std::vector<std::pair<const TField*, Cell>> calculated_;
     int disableCount_ = 0;
+    TDataSetState stateWhenDisabled_ = dsInactive;
     bool announcePending_ = false;
+    bool layoutPending_ = false;
     std::vector<TDataSource*> sources_;
 };
 
-// Stands between a dataset and what shows it: forms place one and their controls name it.
-class TDataSource : public TComponent {
-    VYN_OBJECT
+// Keeps a dataset's controls disabled while it lives.
+class DisabledControls {
   public:
-    explicit TDataSource(TComponent* owner) : TComponent(owner) {}
-    ~TDataSource() override;
-
-    TDataSet* DataSet() const { return dataSet_; }
-    // Raises EDatabaseError when the dataset itself reads through this source.
-    void SetDataSet(TDataSet* value);
-    bool Enabled() const { return enabled_; }
-    void SetEnabled(bool value);
-    bool AutoEdit = true;
-    TDataSetState State() const { return enabled_ && dataSet_ ? dataSet_->State() : dsInactive; }
-
-    Event<void(TObject* Sender, TField* Field)> OnDataChange;
-    TNotifyEvent OnStateChange;
-    TNotifyEvent OnUpdateData;
-
-  protected:
-    void Notification(TComponent* component, TOperation operation) override;
+    explicit DisabledControls(TDataSet& dataSet) : dataSet_(dataSet) { dataSet_.DisableControls(); }
+    // What goes wrong while controls are told is raised, unless an error is on its way already.
+    ~DisabledControls() noexcept(false) {
+        try {
+            dataSet_.EnableControls();
+        } catch (...) {
+            if (std::uncaught_exceptions() == errors_) throw;
+        }
+    }
+    DisabledControls(const DisabledControls&) = delete;
+    DisabledControls& operator=(const DisabledControls&) = delete;
 
   private:
-    friend class TDataSet;
-    friend class TDataLink;
-    void Tell(DataEvent event);
-
-    TDataSet* dataSet_ = nullptr;
-    bool enabled_ = true;
-    std::vector<TDataLink*> links_;
-};
-
-// A control's ear at a data source. Not a component: its control owns it and sets its source.
-class TDataLink {
-  public:
-    TDataLink() = default;
-    virtual ~TDataLink();
-    TDataLink(const TDataLink&) = delete;
-    TDataLink& operator=(const TDataLink&) = delete;
-
-    TDataSource* DataSource() const { return source_; }
-    void SetDataSource(TDataSource* value);
-    // The dataset while it is open and the source is enabled, else null.
-    TDataSet* ActiveDataSet() const;
-
-  protected:
-    virtual void Changed(DataEvent event) = 0;
-
-  private:
-    friend class TDataSource;
-    TDataSource* source_ = nullptr;
+    TDataSet& dataSet_;
+    int errors_ = std::uncaught_exceptions();
 };
 
 }  // namespace vyn

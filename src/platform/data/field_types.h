@@ -48,6 +48,14 @@ struct FieldDefinition {
     int Size = 0;       // characters of a text, 0: without a limit
     int Precision = 0;  // digits of a decimal
     bool Required = false;
+    // Where the column comes from, when it is a table's own.
+    AnsiString OriginTable = {};
+    AnsiString OriginColumn = {};
+    bool InKey = false;      // part of the table's primary key
+    bool Automatic = false;  // the engine gives a value when none is written
+    bool ReadOnly = false;   // computed: nothing can be written to it
+
+    friend bool operator==(const FieldDefinition&, const FieldDefinition&) = default;
 };
 
 }  // namespace vyn

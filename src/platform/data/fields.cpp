@@ -1,9 +1,8 @@
 #include "platform/data/fields.h"
 
 #include <algorithm>
-#include <cmath>
 
-#include "platform/data/data_set.h"
+#include "platform/data/data_set_focus.h"
 #include "platform/text/compare.h"
 #include "platform/text/exceptions.h"
 #include "platform/text/windows1252.h"
@@ -20,13 +19,6 @@ constexpr int kBooleanWidth = 5;
 constexpr int kTextWidth = 20;
 constexpr int kWidestText = 50;
 constexpr int kMoneyDecimals = 2;
-constexpr int kGeneralDigits = 15;
-
-bool IsInteger(TFieldType type) {
-    return type == ftSmallint || type == ftInteger || type == ftWord || type == ftAutoInc || type == ftLargeint;
-}
-
-bool IsDate(TFieldType type) { return type == ftDate || type == ftTime || type == ftDateTime; }
 
 }  // namespace fields_detail
 
@@ -45,30 +37,45 @@ const EnumType& TypeInfoOf(TypeTag<TAlignment>) {
     return info;
 }
 
+const EnumType& TypeInfoOf(TypeTag<TFieldKind>) {
+    static const EnumType info("TFieldKind", {"fkData", "fkCalculated", "fkLookup", "fkInternalCalc"});
+    return info;
+}
+
 const ClassInfo& TField::StaticClass() {
-    static const ClassInfo info = DefineClass<TField, TComponent>("TField")
-                                      .Published("DisplayLabel", &TField::DisplayLabel, &TField::SetDisplayLabel)
-                                      .Stored(&TField::IsDisplayLabelStored)
-                                      .Published("DisplayWidth", &TField::DisplayWidth, &TField::SetDisplayWidth)
-                                      .Stored(&TField::IsDisplayWidthStored)
-                                      .Published("FieldName", &TField::FieldName, &TField::SetFieldName)
-                                      .Published("Index", &TField::Index, &TField::SetIndex)
-                                      .NeverStored()
-                                      .Published("ReadOnly", &TField::ReadOnly, &TField::ReadOnly)
-                                      .Default(false)
-                                      .Published("Required", &TField::Required, &TField::Required)
-                                      .Default(false)
-                                      .Published("Visible", &TField::Visible, &TField::SetVisible)
-                                      .Default(true)
-                                      .Published("Size", &TField::Size, &TField::SetSize)
-                                      .Default(0)
-                                      .Published("DisplayFormat", &TField::DisplayFormat, &TField::SetDisplayFormat)
-                                      .Published("Currency", &TField::CurrencyFormat, &TField::SetCurrencyFormat)
-                                      .Default(false)
-                                      .Published("DisplayValues", &TField::DisplayValues, &TField::DisplayValues)
-                                      .Stored(std::function<bool(const TField&)>(
-                                          [](const TField& field) { return field.DisplayValues != "True;False"; }))
-                                      .Event("OnGetText", &TField::OnGetText);
+    static const ClassInfo info =
+        DefineClass<TField, TComponent>("TField")
+            .Published("Alignment", &TField::Alignment, &TField::SetAlignment)
+            .Stored(&TField::IsAlignmentStored)
+            .Published("CustomConstraint", &TField::CustomConstraint, &TField::CustomConstraint)
+            .Published("ConstraintErrorMessage", &TField::ConstraintErrorMessage, &TField::ConstraintErrorMessage)
+            .Published("DefaultExpression", &TField::DefaultExpression, &TField::DefaultExpression)
+            .Published("DisplayLabel", &TField::DisplayLabel, &TField::SetDisplayLabel)
+            .Stored(&TField::IsDisplayLabelStored)
+            .Published("DisplayWidth", &TField::DisplayWidth, &TField::SetDisplayWidth)
+            .Stored(&TField::IsDisplayWidthStored)
+            .Published("FieldKind", &TField::FieldKind, &TField::SetFieldKind)
+            .Default(fkData)
+            .Published("FieldName", &TField::FieldName, &TField::SetFieldName)
+            .Published("Index", &TField::Index, &TField::SetIndex)
+            .NeverStored()
+            .Published("LookupDataSet", &TField::LookupDataSet, &TField::SetLookupDataSet)
+            .Published("LookupKeyFields", &TField::LookupKeyFields, &TField::LookupKeyFields)
+            .Published("LookupResultField", &TField::LookupResultField, &TField::LookupResultField)
+            .Published("KeyFields", &TField::KeyFields, &TField::KeyFields)
+            .Published("LookupCache", &TField::LookupCache, &TField::LookupCache)
+            .Default(false)
+            .Published("Origin", &TField::Origin, &TField::Origin)
+            .Published("ReadOnly", &TField::ReadOnly, &TField::ReadOnly)
+            .Default(false)
+            .Published("Required", &TField::Required, &TField::Required)
+            .Default(false)
+            .Published("Visible", &TField::Visible, &TField::SetVisible)
+            .Default(true)
+            .Event("OnChange", &TField::OnChange)
+            .Event("OnGetText", &TField::OnGetText)
+            .Event("OnSetText", &TField::OnSetText)
+            .Event("OnValidate", &TField::OnValidate);
     return info;
 }
 
@@ -82,6 +89,7 @@ void TField::SetDataSet(TDataSet* dataSet) {
     if (dataSet_) {
         std::erase(dataSet_->fields_, this);
         std::erase(dataSet_->ownFields_, this);
+        std::erase_if(dataSet_->calculated_, [&](const auto& each) { return each.first == this; });
     }
     dataSet_ = dataSet;
     column_ = -1;
@@ -94,8 +102,27 @@ TComponent* TField::GetParentComponent() const { return dataSet_; }
 void TField::Bind(const FieldDefinition& definition, int column) {
     column_ = column;
     if (dataType_ == ftUnknown) dataType_ = definition.DataType;
-    if (size_ == 0) size_ = definition.Size;
-    precision_ = definition.Precision;
+    limit_ = ColumnKindOf(definition.DataType) == ColumnKind::Text ? definition.Size : 0;
+    columnReadOnly_ = definition.ReadOnly;
+    columnAutomatic_ = definition.Automatic;
+}
+
+void TField::SetFieldKind(TFieldKind value) {
+    if (value == kind_) return;
+    if (dataSet_) dataSet_->CheckInactive();
+    kind_ = value;
+}
+
+void TField::SetLookupDataSet(TDataSet* value) {
+    if (value == lookupDataSet_) return;
+    if (value && value == dataSet_) throw EDatabaseError("Circular datalinks are not allowed");
+    lookupDataSet_ = value;
+    if (value) value->FreeNotification(this);
+}
+
+void TField::Notification(TComponent* component, TOperation operation) {
+    TComponent::Notification(component, operation);
+    if (operation == opRemove && component == lookupDataSet_) lookupDataSet_ = nullptr;
 }
 
 void TField::LayoutChanged() {
@@ -127,6 +154,14 @@ void TField::SetDisplayFormat(const AnsiString& value) {
     displayFormat_ = value;
     LayoutChanged();
 }
+void TField::SetEditFormat(const AnsiString& value) {
+    editFormat_ = value;
+    LayoutChanged();
+}
+void TField::SetEditMask(const AnsiString& value) {
+    editMask_ = value;
+    LayoutChanged();
+}
 void TField::SetCurrencyFormat(bool value) {
     currency_ = value;
     LayoutChanged();
@@ -153,7 +188,7 @@ int TField::DefaultWidth() const {
             return dataType_ == ftBoolean ? kBooleanWidth : kNumberWidth;
         case ColumnKind::Real:
             if (dataType_ == ftDateTime) return kDateTimeWidth;
-            return IsDate(dataType_) ? kDateWidth : kNumberWidth;
+            return IsDateTime() ? kDateWidth : kNumberWidth;
         case ColumnKind::Text:
             return size_ > 0 ? std::min(size_, kWidestText) : kTextWidth;
         case ColumnKind::Bytes:
@@ -162,76 +197,58 @@ int TField::DefaultWidth() const {
     return kNumberWidth;
 }
 
-TAlignment TField::DefaultAlignment() const {
-    switch (ColumnKindOf(dataType_)) {
-        case ColumnKind::Integer:
-            return dataType_ == ftBoolean ? taLeftJustify : taRightJustify;
-        case ColumnKind::Real:
-            return fields_detail::IsDate(dataType_) ? taLeftJustify : taRightJustify;
-        case ColumnKind::Text:
-        case ColumnKind::Bytes:
-            return taLeftJustify;
-    }
-    return taLeftJustify;
-}
-
-int64_t TField::CurrentRecord() const {
+TDataSet& TField::OpenDataSet() const {
     if (!dataSet_ || !dataSet_->Active()) throw EDatabaseError("Cannot perform this operation on a closed dataset");
-    return dataSet_->CurrentRecord();
+    return *dataSet_;
 }
 
-bool TField::IsNullIn(int64_t record) const {
-    return record < 0 || column_ < 0 || dataSet_->Rows().IsNull(record, column_);
+int64_t TField::CurrentRow() const { return OpenDataSet().ActiveRow(); }
+
+Cell TField::CellIn(int64_t row) const {
+    if (row < 0 || row >= dataSet_->Rows().Count()) return Cell();
+    if (kind_ == fkCalculated || kind_ == fkLookup) return dataSet_->CalculatedCell(row, *this);
+    if (column_ < 0) return Cell();
+    if (const Cell* edited = dataSet_->EditedCell(row, column_)) return *edited;
+    return dataSet_->Rows().CellAt(row, column_);
 }
 
-bool TField::IsNull() const { return IsNullIn(CurrentRecord()); }
+bool TField::IsNullInRow(int64_t row) const {
+    if (kind_ == fkData && column_ >= 0 && row >= 0 && row < dataSet_->Rows().Count() &&
+        !dataSet_->EditedCell(row, column_))
+        return dataSet_->Rows().IsNull(row, column_);
+    return CellIn(row).IsNull();
+}
+
+bool TField::IsNull() const { return IsNullInRow(CurrentRow()); }
+bool TField::IsNullIn(int64_t record) const { return IsNullInRow(OpenDataSet().RowOf(record)); }
 
 std::string_view TField::RawBytes() const {
-    const int64_t record = CurrentRecord();
-    if (IsNullIn(record)) return {};
-    return dataSet_->Rows().Bytes(record, column_);
+    const int64_t row = CurrentRow();
+    if (row < 0 || column_ < 0) return {};
+    if (const Cell* edited = dataSet_->EditedCell(row, column_)) return edited->AsBytes();
+    return dataSet_->Rows().Bytes(row, column_);
 }
 
-Variant TField::ValueIn(int64_t record) const {
-    if (IsNullIn(record)) return Variant::Null();
-    const RowStore& rows = dataSet_->Rows();
-    switch (dataType_) {
-        case ftBoolean:
-            return Variant(rows.Integer(record, column_) != 0);
-        case ftCurrency:
-        case ftBCD:
-            return Variant(Currency::FromScaled(rows.Integer(record, column_)));
-        case ftDate:
-        case ftTime:
-        case ftDateTime:
-            return Variant(TDateTime(rows.Real(record, column_)));
-        case ftWideString:
-            return Variant(Utf8ToWide(rows.Bytes(record, column_)));
-        default:
-            break;
-    }
-    switch (ColumnKindOf(dataType_)) {
-        case ColumnKind::Integer:
-            return Variant(rows.Integer(record, column_));
-        case ColumnKind::Real:
-            return Variant(rows.Real(record, column_));
-        case ColumnKind::Text:
-            return Variant(Utf8ToAnsiLossy(rows.Bytes(record, column_)));
-        case ColumnKind::Bytes:
-            return Variant(AnsiString(rows.Bytes(record, column_)));
-    }
-    return Variant();
-}
+Variant TField::ValueInRow(int64_t row) const { return VariantOf(CellIn(row), dataType_); }
+Variant TField::ValueIn(int64_t record) const { return ValueInRow(OpenDataSet().RowOf(record)); }
+Variant TField::Value() const { return ValueInRow(CurrentRow()); }
 
-Variant TField::Value() const { return ValueIn(CurrentRecord()); }
+Variant TField::OldValue() const {
+    const TDataSet& data = OpenDataSet();
+    if (!data.IsEditing() || column_ < 0) return Value();
+    if (static_cast<size_t>(column_) >= data.original_.size()) return Variant::Null();
+    return VariantOf(data.original_[static_cast<size_t>(column_)], dataType_);
+}
 
 AnsiString TField::AsString() const { return VarToStr(Value()); }
 
 int64_t TField::AsInteger() const {
-    const int64_t record = CurrentRecord();
-    if (IsNullIn(record)) return 0;
-    if (fields_detail::IsInteger(dataType_)) return dataSet_->Rows().Integer(record, column_);
-    return ValueIn(record).AsInt64();
+    const Cell cell = CellIn(CurrentRow());
+    if (cell.IsNull()) return 0;
+    if (ColumnKindOf(dataType_) == ColumnKind::Integer && dataType_ != ftCurrency && dataType_ != ftBCD &&
+        dataType_ != ftBoolean)
+        return cell.AsInteger();
+    return VariantOf(cell, dataType_).AsInt64();
 }
 
 double TField::AsFloat() const { return IsNull() ? 0.0 : Value().AsDouble(); }
@@ -239,153 +256,50 @@ TDateTime TField::AsDateTime() const { return IsNull() ? TDateTime() : Value().A
 Currency TField::AsCurrency() const { return IsNull() ? Currency() : Value().AsCurrency(); }
 bool TField::AsBoolean() const { return !IsNull() && Value().AsBoolean(); }
 
-AnsiString TField::TextOf(int64_t record) const {
-    const Variant value = ValueIn(record);
+AnsiString TField::FormattedText(int64_t row, bool display) const {
+    const Variant value = ValueInRow(row);
     if (value.IsNull()) return {};
+    const AnsiString& format = !display && !editFormat_.empty() ? editFormat_ : displayFormat_;
+    if (IsNumeric()) {
+        if (!format.empty() && (display || !editFormat_.empty())) return FormatFloat(format, value.AsDouble());
+        if (display && currency_)
+            return FloatToStrF(value.AsDouble(), ffCurrency, kDoubleDigits, fields_detail::kMoneyDecimals);
+        const auto* real = dataType_ == ftFloat ? ObjectCast<TFloatField>(this) : nullptr;
+        if (real) return FloatToStrF(value.AsDouble(), ffGeneral, std::clamp(real->Precision, 1, kExtendedDigits), 0);
+        return dataType_ == ftLargeint ? IntToStr(CellIn(row).AsInteger()) : value.AsString();
+    }
     switch (dataType_) {
         case ftBoolean: {
             const size_t cut = DisplayValues.find(';');
             if (value.AsBoolean()) return DisplayValues.substr(0, cut);
             return cut == AnsiString::npos ? AnsiString() : DisplayValues.substr(cut + 1);
         }
-        case ftCurrency:
-        case ftFloat:
-        case ftBCD:
-            if (!displayFormat_.empty()) return FormatFloat(displayFormat_, value.AsDouble());
-            if (currency_ || dataType_ == ftCurrency)
-                return FloatToStrF(value.AsDouble(), ffCurrency, fields_detail::kGeneralDigits,
-                                   fields_detail::kMoneyDecimals);
-            return value.AsString();
         case ftDate:
-            return displayFormat_.empty() ? DateToStr(value.AsDateTime())
-                                          : FormatDateTime(displayFormat_, value.AsDateTime());
         case ftTime:
-            return displayFormat_.empty() ? TimeToStr(value.AsDateTime())
-                                          : FormatDateTime(displayFormat_, value.AsDateTime());
         case ftDateTime:
-            return displayFormat_.empty() ? DateTimeToStr(value.AsDateTime())
-                                          : FormatDateTime(displayFormat_, value.AsDateTime());
+            if (display && !displayFormat_.empty()) return FormatDateTime(displayFormat_, value.AsDateTime());
+            if (dataType_ == ftDate) return DateToStr(value.AsDateTime());
+            return dataType_ == ftTime ? TimeToStr(value.AsDateTime()) : DateTimeToStr(value.AsDateTime());
         case ftMemo:
-            return "(Memo)";
+        case ftFmtMemo:
+            return display ? AnsiString("(Memo)") : value.AsString();
         case ftGraphic:
             return "(Graphic)";
         default:
-            break;
-    }
-    if (ColumnKindOf(dataType_) == ColumnKind::Bytes) return "(Blob)";
-    if (fields_detail::IsInteger(dataType_) && !displayFormat_.empty())
-        return FormatFloat(displayFormat_, value.AsDouble());
-    return value.AsString();
-}
-
-AnsiString TField::DisplayTextOf(int64_t record) const {
-    if (OnGetText) {
-        AnsiString text;
-        OnGetText(const_cast<TField*>(this), text, true);
-        return text;
-    }
-    return record < 0 ? AnsiString() : TextOf(record);
-}
-
-AnsiString TField::DisplayText() const { return DisplayTextOf(CurrentRecord()); }
-
-namespace fields_detail {
-
-const char* ClassNameOf(TFieldType type) {
-    switch (type) {
-        case ftString:
-            return "TStringField";
-        case ftWideString:
-            return "TWideStringField";
-        case ftMemo:
-            return "TMemoField";
-        case ftSmallint:
-            return "TSmallintField";
-        case ftInteger:
-            return "TIntegerField";
-        case ftAutoInc:
-            return "TAutoIncField";
-        case ftLargeint:
-            return "TLargeintField";
-        case ftFloat:
-            return "TFloatField";
-        case ftCurrency:
-            return "TCurrencyField";
-        case ftBCD:
-            return "TBCDField";
-        case ftBoolean:
-            return "TBooleanField";
-        case ftDate:
-            return "TDateField";
-        case ftTime:
-            return "TTimeField";
-        case ftDateTime:
-            return "TDateTimeField";
-        default:
-            return "TBlobField";
+            return ColumnKindOf(dataType_) == ColumnKind::Bytes ? AnsiString("(Blob)") : value.AsString();
     }
 }
 
-}  // namespace fields_detail
-
-template <TFieldType Type>
-const ClassInfo& TTypedField<Type>::StaticClass() {
-    static const ClassInfo info = DefineClass<TTypedField<Type>, TField>(fields_detail::ClassNameOf(Type));
-    return info;
+AnsiString TField::TextIn(int64_t row, bool display) const {
+    if (!OnGetText) return row < 0 ? AnsiString() : FormattedText(row, display);
+    AnsiString text;
+    const TDataSet::RowInFocus focus(*dataSet_, row);
+    OnGetText(const_cast<TField*>(this), text, display);
+    return text;
 }
 
-template class TTypedField<ftString>;
-template class TTypedField<ftWideString>;
-template class TTypedField<ftMemo>;
-template class TTypedField<ftSmallint>;
-template class TTypedField<ftInteger>;
-template class TTypedField<ftAutoInc>;
-template class TTypedField<ftLargeint>;
-template class TTypedField<ftFloat>;
-template class TTypedField<ftCurrency>;
-template class TTypedField<ftBCD>;
-template class TTypedField<ftBoolean>;
-template class TTypedField<ftDate>;
-template class TTypedField<ftTime>;
-template class TTypedField<ftDateTime>;
-template class TTypedField<ftBlob>;
-
-TClass FieldClassOf(TFieldType type) {
-    switch (type) {
-        case ftString:
-        case ftFixedChar:
-            return &TStringField::StaticClass();
-        case ftWideString:
-            return &TWideStringField::StaticClass();
-        case ftMemo:
-        case ftFmtMemo:
-            return &TMemoField::StaticClass();
-        case ftSmallint:
-        case ftWord:
-            return &TSmallintField::StaticClass();
-        case ftInteger:
-            return &TIntegerField::StaticClass();
-        case ftAutoInc:
-            return &TAutoIncField::StaticClass();
-        case ftLargeint:
-            return &TLargeintField::StaticClass();
-        case ftFloat:
-            return &TFloatField::StaticClass();
-        case ftCurrency:
-            return &TCurrencyField::StaticClass();
-        case ftBCD:
-            return &TBCDField::StaticClass();
-        case ftBoolean:
-            return &TBooleanField::StaticClass();
-        case ftDate:
-            return &TDateField::StaticClass();
-        case ftTime:
-            return &TTimeField::StaticClass();
-        case ftDateTime:
-            return &TDateTimeField::StaticClass();
-        default:
-            return &TBlobField::StaticClass();
-    }
-}
+AnsiString TField::DisplayTextOf(int64_t record) const { return TextIn(OpenDataSet().RowOf(record), true); }
+AnsiString TField::DisplayText() const { return TextIn(CurrentRow(), true); }
+AnsiString TField::Text() const { return TextIn(CurrentRow(), false); }
 
 }  // namespace vyn

@@ -1,21 +1,33 @@
 #pragma once
 
-#include "platform/data/field_types.h"
+#include "platform/data/cells.h"
 #include "platform/objects/component.h"
-#include "platform/values/variant.h"
 
 namespace vyn {
 
 class TDataSet;
 class TField;
 
+using TFieldNotifyEvent = Event<void(TField* Sender)>;
 using TFieldGetTextEvent = Event<void(TField* Sender, AnsiString& Text, bool DisplayText)>;
+using TFieldSetTextEvent = Event<void(TField* Sender, AnsiString Text)>;
 
-// One column of a dataset: reads the current record's value, and shows it as text.
+// Where a field's value comes from.
+enum class TFieldKind {
+    fkData,          // a column
+    fkCalculated,    // the dataset's OnCalcFields
+    fkLookup,        // the record of another dataset
+    fkInternalCalc,  // the engine, computed
+};
+using enum TFieldKind;
+const EnumType& TypeInfoOf(TypeTag<TFieldKind>);
+
+// One column of a dataset: reads and writes the current record's value, and shows it as text.
 //
 // A dataset makes fields for its columns when it opens and frees them when it closes; fields that a form stores (owned
-// by the form, with their dataset) stay and are bound by FieldName. The current record is the dataset's; reading a
-// field of a closed dataset raises EDatabaseError. Main thread only.
+// by the form, with their dataset) stay and are bound by FieldName. Values may be set while the dataset is in the
+// states edit and insert; what is wrong raises EDatabaseError (or the conversion's own error) and changes nothing.
+// Reading a field of a closed dataset raises EDatabaseError. The classes are in field_classes.h. Main thread only.
 class TField : public TComponent {
     VYN_OBJECT
   public:
@@ -30,6 +42,11 @@ class TField : public TComponent {
     int FieldNo() const { return column_; }
     int Size() const { return size_; }
     void SetSize(int value) { size_ = value; }
+    int Index() const;
+    void SetIndex(int value);
+    virtual bool IsNumeric() const { return false; }
+    // Dates, times, and both.
+    virtual bool IsDateTime() const { return false; }
 
     // Values of the current record.
     bool IsNull() const;
@@ -43,10 +60,31 @@ class TField : public TComponent {
     bool AsBoolean() const;
     // A text's UTF-8, or a binary column's bytes, as stored; valid until the dataset changes.
     std::string_view RawBytes() const;
+    // The value before it was edited.
+    Variant OldValue() const;
+
+    // Setting them. An empty text clears all fields but texts. A text is read as the user's settings say; where it
+    // repeats what is shown, stored characters that cannot be shown stay.
+    void SetValue(const Variant& value);
+    void SetAsString(const AnsiString& value);
+    void SetAsInteger(int64_t value);
+    void SetAsFloat(double value);
+    void SetAsDateTime(TDateTime value);
+    void SetAsCurrency(Currency value);
+    void SetAsBoolean(bool value);
+    void SetRawBytes(std::string bytes);
+    void Clear();
+    // Whether the dataset and the field let themselves be written.
+    bool CanModify() const;
+    virtual bool IsValidChar(char c) const { return true; }
+
     // As shown: through OnGetText when it is set, else with the display format.
     AnsiString DisplayText() const;
     // The same for any fetched record.
     AnsiString DisplayTextOf(int64_t record) const;
+    // As it is edited, and back (through OnSetText when it is set).
+    AnsiString Text() const;
+    void SetText(const AnsiString& value);
     bool IsNullIn(int64_t record) const;
     Variant ValueIn(int64_t record) const;
 
@@ -63,23 +101,47 @@ class TField : public TComponent {
     bool IsDisplayWidthStored() const { return displayWidth_ > 0; }
     bool Visible() const { return visible_; }
     void SetVisible(bool value);
-    int Index() const;
-    void SetIndex(int value);
     // The set alignment, or the type's own: numbers stand right.
     TAlignment Alignment() const { return alignmentSet_ ? alignment_ : DefaultAlignment(); }
     void SetAlignment(TAlignment value);
     bool IsAlignmentStored() const { return alignmentSet_; }
-    TAlignment DefaultAlignment() const;
-    // Masks of FormatFloat or FormatDateTime, by type.
+    TAlignment DefaultAlignment() const { return IsNumeric() ? taRightJustify : taLeftJustify; }
+    // Masks of FormatFloat or FormatDateTime, by type: as shown, and as edited.
     const AnsiString& DisplayFormat() const { return displayFormat_; }
     void SetDisplayFormat(const AnsiString& value);
+    const AnsiString& EditFormat() const { return editFormat_; }
+    void SetEditFormat(const AnsiString& value);
+    // The mask through which the value is typed, and shown when it is a text (edit_mask.h).
+    const AnsiString& EditMask() const { return editMask_; }
+    void SetEditMask(const AnsiString& value);
     bool CurrencyFormat() const { return currency_; }
     void SetCurrencyFormat(bool value);
     // What true and false are called: "Sí;No".
     AnsiString DisplayValues = "True;False";
+
+    // Rules.
     bool ReadOnly = false;
     bool Required = false;
+    AnsiString ConstraintErrorMessage;
+    AnsiString CustomConstraint;
+    AnsiString DefaultExpression;
+    AnsiString Origin;
+
+    // Fields without a column: calculated ones, and those whose value stands in LookupDataSet, in the field
+    // LookupResultField of the record whose LookupKeyFields are as KeyFields here.
+    TFieldKind FieldKind() const { return kind_; }
+    void SetFieldKind(TFieldKind value);
+    AnsiString KeyFields;
+    AnsiString LookupKeyFields;
+    AnsiString LookupResultField;
+    bool LookupCache = false;
+    TDataSet* LookupDataSet() const { return lookupDataSet_; }
+    void SetLookupDataSet(TDataSet* value);
+
+    TFieldNotifyEvent OnChange;
     TFieldGetTextEvent OnGetText;
+    TFieldSetTextEvent OnSetText;
+    TFieldNotifyEvent OnValidate;
 
     // For the dataset: binds the field to a column.
     void Bind(const FieldDefinition& definition, int column);
@@ -90,23 +152,44 @@ class TField : public TComponent {
     bool HasParent() const override { return dataSet_ != nullptr; }
 
   protected:
-    TField(TComponent* owner, TFieldType dataType) : TComponent(owner), dataType_(dataType) {}
+    TField(TComponent* owner, TFieldType dataType, int size = 0)
+        : TComponent(owner), dataType_(dataType), size_(size) {}
+    void Notification(TComponent* component, TOperation operation) override;
+    // Raises EDatabaseError for a value outside the field's own limits.
+    virtual void CheckRange(const Cell& value) const {}
+    [[noreturn]] void RaiseRange(const AnsiString& value, const AnsiString& lowest, const AnsiString& highest) const;
+    // For classes over other types of the same kind.
+    void SetDataType(TFieldType type) { dataType_ = type; }
 
   private:
     friend class TDataSet;
-    int64_t CurrentRecord() const;
+    TDataSet& OpenDataSet() const;
+    int64_t CurrentRow() const;
+    Cell CellIn(int64_t row) const;
+    bool IsNullInRow(int64_t row) const;
+    Variant ValueInRow(int64_t row) const;
+    AnsiString TextIn(int64_t row, bool display) const;
+    AnsiString FormattedText(int64_t row, bool display) const;
     int DefaultWidth() const;
-    AnsiString TextOf(int64_t record) const;
+    void SetCell(Cell cell);
+    Cell CellOfText(const AnsiString& text) const;
+    void CheckSize(const Cell& cell) const;
     void LayoutChanged();
 
     TDataSet* dataSet_ = nullptr;
     TFieldType dataType_ = ftUnknown;
+    TFieldKind kind_ = fkData;
+    TDataSet* lookupDataSet_ = nullptr;
     int column_ = -1;
     int size_ = 0;
-    int precision_ = 0;
+    int limit_ = 0;  // characters that the column takes, 0: any number
+    bool columnReadOnly_ = false;
+    bool columnAutomatic_ = false;
     AnsiString fieldName_;
     AnsiString displayLabel_;
     AnsiString displayFormat_;
+    AnsiString editFormat_;
+    AnsiString editMask_;
     int displayWidth_ = 0;
     bool visible_ = true;
     bool currency_ = false;
@@ -114,34 +197,9 @@ class TField : public TComponent {
     bool alignmentSet_ = false;
 };
 
-// The class of field that a type makes.
-TClass FieldClassOf(TFieldType type);
-
-// One class a type, so that stored forms name them.
-template <TFieldType Type>
-class TTypedField : public TField {
-  public:
-    explicit TTypedField(TComponent* owner) : TField(owner, Type) {}
-    static const ClassInfo& StaticClass();
-    const ClassInfo& GetClassInfo() const override { return StaticClass(); }
-};
-using TStringField = TTypedField<ftString>;
-using TWideStringField = TTypedField<ftWideString>;
-using TMemoField = TTypedField<ftMemo>;
-using TSmallintField = TTypedField<ftSmallint>;
-using TIntegerField = TTypedField<ftInteger>;
-using TAutoIncField = TTypedField<ftAutoInc>;
-using TLargeintField = TTypedField<ftLargeint>;
-using TFloatField = TTypedField<ftFloat>;
-using TCurrencyField = TTypedField<ftCurrency>;
-using TBCDField = TTypedField<ftBCD>;
-using TBooleanField = TTypedField<ftBoolean>;
-using TDateField = TTypedField<ftDate>;
-using TTimeField = TTypedField<ftTime>;
-using TDateTimeField = TTypedField<ftDateTime>;
-using TBlobField = TTypedField<ftBlob>;
-
 // Links the field classes, TDataSource and the dataset classes of this room.
 void RegisterDataClasses();
 
 }  // namespace vyn
+
+#include "platform/data/field_classes.h"

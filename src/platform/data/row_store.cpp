@@ -30,35 +30,6 @@ uint64_t TakeVariable(const unsigned char*& at) {
 
 }  // namespace row_store_detail
 
-ColumnKind ColumnKindOf(TFieldType type) {
-    switch (type) {
-        case ftSmallint:
-        case ftInteger:
-        case ftWord:
-        case ftBoolean:
-        case ftCurrency:
-        case ftBCD:
-        case ftAutoInc:
-        case ftLargeint:
-            return ColumnKind::Integer;
-        case ftFloat:
-        case ftDate:
-        case ftTime:
-        case ftDateTime:
-            return ColumnKind::Real;
-        case ftBytes:
-        case ftVarBytes:
-        case ftBlob:
-        case ftGraphic:
-        case ftParadoxOle:
-        case ftDBaseOle:
-        case ftTypedBinary:
-            return ColumnKind::Bytes;
-        default:
-            return ColumnKind::Text;
-    }
-}
-
 RowStore::RowStore(std::vector<ColumnKind> columns)
     : columns_(std::move(columns)),
       bitmapBytes_((columns_.size() + row_store_detail::kBitsPerByte - 1) / row_store_detail::kBitsPerByte) {}
@@ -93,7 +64,7 @@ void RowStore::PutBytes(std::string_view bytes) {
     ++column_;
 }
 
-void RowStore::EndRow() {
+const unsigned char* RowStore::Keep() {
     const size_t size = building_.size();
     if (size > blockLeft_) {
         const size_t block = std::max(size, row_store_detail::kBlockSize);
@@ -102,10 +73,94 @@ void RowStore::EndRow() {
         blockLeft_ = block;
         used_ += block;
     }
-    std::memcpy(blockAt_, building_.data(), size);
-    rows_.push_back(blockAt_);
+    unsigned char* kept = blockAt_;
+    std::memcpy(kept, building_.data(), size);
     blockAt_ += size;
     blockLeft_ -= size;
+    return kept;
+}
+
+void RowStore::EndRow() {
+    rows_.push_back(Keep());
+    if (numbered_) identities_.push_back(nextIdentity_++);
+}
+
+void RowStore::Build(const Record& record) {
+    BeginRow();
+    for (size_t i = 0; i < columns_.size(); ++i) {
+        const Cell* cell = i < record.size() ? &record[i] : nullptr;
+        switch (columns_[i]) {
+            case ColumnKind::Integer:
+                cell && cell->IsInteger() ? PutInteger(cell->AsInteger()) : PutNull();
+                break;
+            case ColumnKind::Real:
+                cell && cell->IsReal() ? PutReal(cell->AsReal()) : PutNull();
+                break;
+            case ColumnKind::Text:
+            case ColumnKind::Bytes:
+                cell && cell->IsBytes() ? PutBytes(cell->AsBytes()) : PutNull();
+                break;
+        }
+    }
+}
+
+void RowStore::Append(const Record& record) {
+    Build(record);
+    EndRow();
+}
+
+void RowStore::NumberRows() {
+    if (numbered_) return;
+    numbered_ = true;
+    identities_.resize(rows_.size());
+    for (size_t i = 0; i < identities_.size(); ++i) identities_[i] = static_cast<int64_t>(i);
+    nextIdentity_ = Count();
+}
+
+void RowStore::Insert(int64_t row, const Record& record) {
+    NumberRows();
+    Build(record);
+    rows_.insert(rows_.begin() + row, Keep());
+    identities_.insert(identities_.begin() + row, nextIdentity_++);
+}
+
+void RowStore::Replace(int64_t row, const Record& record) {
+    Build(record);
+    rows_[static_cast<size_t>(row)] = Keep();
+}
+
+void RowStore::Remove(int64_t row) {
+    NumberRows();
+    rows_.erase(rows_.begin() + row);
+    identities_.erase(identities_.begin() + row);
+}
+
+int64_t RowStore::Identity(int64_t row) const { return numbered_ ? identities_[static_cast<size_t>(row)] : row; }
+
+int64_t RowStore::RowOf(int64_t identity) const {
+    if (!numbered_) return identity >= 0 && identity < Count() ? identity : -1;
+    const auto found = std::find(identities_.begin(), identities_.end(), identity);
+    return found == identities_.end() ? -1 : found - identities_.begin();
+}
+
+Cell RowStore::CellAt(int64_t row, int column) const {
+    if (IsNull(row, column)) return Cell::Null();
+    switch (columns_[static_cast<size_t>(column)]) {
+        case ColumnKind::Integer:
+            return Cell::Integer(Integer(row, column));
+        case ColumnKind::Real:
+            return Cell::Real(Real(row, column));
+        case ColumnKind::Text:
+        case ColumnKind::Bytes:
+            return Cell::Bytes(std::string(Bytes(row, column)));
+    }
+    return Cell::Null();
+}
+
+Record RowStore::RecordAt(int64_t row) const {
+    Record record;
+    for (int i = 0; i < ColumnCount(); ++i) record.push_back(CellAt(row, i));
+    return record;
 }
 
 bool RowStore::IsNull(int64_t row, int column) const {
@@ -158,6 +213,9 @@ std::string_view RowStore::Bytes(int64_t row, int column) const {
 
 void RowStore::Clear() {
     rows_.clear();
+    identities_.clear();
+    numbered_ = false;
+    nextIdentity_ = 0;
     blocks_.clear();
     blockLeft_ = used_ = 0;
     blockAt_ = nullptr;

@@ -1,6 +1,10 @@
 #include "providers/sqlite/connection.h"
 
+#include <algorithm>
+#include <cstring>
+
 #include "platform/streams/stream.h"
+#include "platform/system/files.h"
 #include "platform/text/compare.h"
 #include "platform/text/exceptions.h"
 #include "platform/text/windows1252.h"
@@ -22,8 +26,8 @@ class SqliteConnection final : public ProviderConnection {
     explicit SqliteConnection(const ConnectionString& settings) {
         const AnsiString file = settings.Value("Data Source", kInMemory);
         const bool inMemory = file.empty() || file == kInMemory;
-        const bool readOnly = SameText(settings.Value("Mode"), "ReadOnly") || SameText(settings.Value("Mode"), "Read");
-        const int flags = readOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+        readOnly_ = SameText(settings.Value("Mode"), "ReadOnly") || SameText(settings.Value("Mode"), "Read");
+        const int flags = readOnly_ ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
         sqlite3* opened = nullptr;
         const int result =
             sqlite3_open_v2(inMemory ? kInMemory : SystemFileName(file).c_str(), &opened, flags, nullptr);
@@ -33,13 +37,15 @@ class SqliteConnection final : public ProviderConnection {
         sqlite3_busy_timeout(opened, kBusyMilliseconds);
         // The first statement that reads the file finds out whether it is a database at all.
         Run("PRAGMA foreign_keys = ON", "Data Source=" + file);
-        if (!readOnly && !inMemory) {
+        if (!readOnly_ && !inMemory) {
             Run("PRAGMA journal_mode = WAL", "Data Source=" + file);
             Run("PRAGMA synchronous = FULL", "Data Source=" + file);
         } else {
             Run("SELECT count(*) FROM sqlite_master", "Data Source=" + file);
         }
     }
+
+    const EngineDialect& Dialect() const override { return sqlite_provider::Dialect(); }
 
     std::unique_ptr<ProviderStatement> Prepare(const AnsiString& sql) override {
         return PrepareStatement(database_.get(), sql);
@@ -51,15 +57,47 @@ class SqliteConnection final : public ProviderConnection {
         return sqlite3_total_changes64(database_.get()) - before;
     }
 
-    std::vector<AnsiString> TableNames() override;
+    std::vector<AnsiString> TableNames(SystemTables system) override { return ListTables(database_.get(), system); }
+    // The engine has none.
+    std::vector<AnsiString> ProcedureNames() override { return {}; }
+    std::vector<AnsiString> KeyColumns(const AnsiString& table) override {
+        return ListKeyColumns(database_.get(), table);
+    }
+    std::vector<AnsiString> IndexColumns(const AnsiString& table, const AnsiString& index) override {
+        return ListIndexColumns(database_.get(), table, index);
+    }
 
-    AnsiString QuotedName(const AnsiString& name) const override {
-        AnsiString quoted = "\"";
-        for (char c : name) {
-            quoted += c;
-            if (c == '"') quoted += c;
+    // A statement may have begun or ended a transaction by itself.
+    int TransactionDepth() const override {
+        return sqlite3_get_autocommit(database_.get()) ? 0 : std::max(depth_, 1);
+    }
+    int Begin() override {
+        depth_ = TransactionDepth();
+        // The outermost takes the right to write at once, so that no later statement fails for the want of it.
+        Run(depth_ > 0 ? "SAVEPOINT " + Savepoint(depth_) : std::string(readOnly_ ? "BEGIN" : "BEGIN IMMEDIATE"),
+            "The transaction cannot begin");
+        return ++depth_;
+    }
+    int Commit() override {
+        const int depth = TransactionDepth();
+        Run(depth > 1 ? "RELEASE " + Savepoint(depth - 1) : std::string("COMMIT"), "The transaction cannot end");
+        return depth_ = depth - 1;
+    }
+    int Rollback() override {
+        const int depth = TransactionDepth();
+        if (depth > 1) {
+            const std::string name = Savepoint(depth - 1);
+            Run("ROLLBACK TO " + name + "; RELEASE " + name, "The transaction cannot be taken back");
+        } else if (depth == 1) {
+            Run("ROLLBACK", "The transaction cannot be taken back");
         }
-        return quoted + "\"";
+        return depth_ = std::max(depth - 1, 0);
+    }
+
+    AnsiString Returning(const std::vector<AnsiString>& columns) const override {
+        AnsiString names;
+        for (const AnsiString& column : columns) names += (names.empty() ? " RETURNING " : ", ") + column;
+        return names;
     }
 
   private:
@@ -68,27 +106,41 @@ class SqliteConnection final : public ProviderConnection {
             Raise(database_.get(), what);
     }
 
+    static std::string Savepoint(int depth) { return "vyn_" + std::to_string(depth); }
+
     DatabaseHandle database_;
+    bool readOnly_ = false;
+    int depth_ = 0;
 };
 
 }  // namespace sqlite_provider
 
+namespace sqlite_provider {
+
+// Every database file of this engine begins with this, and a zero.
+constexpr char kFileMark[] = "SQLite format 3";
+
+// Stored applications name files of a desktop database.
+void RequireOwnFormat(const AnsiString& file) {
+    if (!FileExists(file)) throw EDatabaseError("Data Source=" + file + ": the file does not exist");
+    char mark[sizeof kFileMark] = {};
+    TFileStream stream(file, TFileMode::fmOpenRead);
+    const bool whole = stream.Read(mark, sizeof mark) == static_cast<int64_t>(sizeof mark);
+    if (!whole || std::memcmp(mark, kFileMark, sizeof mark) != 0)
+        throw EDatabaseError("Data Source=" + file + ": the file is no database that can be opened");
+}
+
+}  // namespace sqlite_provider
+
 void RegisterSqliteProvider() {
+    RegisterProvider("Microsoft.Jet.OLEDB.4.0",
+                     [](const ConnectionString& settings) -> std::unique_ptr<ProviderConnection> {
+                         sqlite_provider::RequireOwnFormat(settings.Value("Data Source"));
+                         return std::make_unique<sqlite_provider::SqliteConnection>(settings);
+                     });
     RegisterProvider("SQLite", [](const ConnectionString& settings) -> std::unique_ptr<ProviderConnection> {
         return std::make_unique<sqlite_provider::SqliteConnection>(settings);
     });
-}
-
-std::vector<AnsiString> sqlite_provider::SqliteConnection::TableNames() {
-    const auto statement = Prepare(
-        "SELECT name FROM sqlite_master WHERE type IN ('table', 'view') AND name NOT LIKE 'sqlite\\_%' ESCAPE '\\' "
-        "ORDER BY name");
-    RowStore rows({ColumnKind::Text});
-    while (statement->Fetch(rows, INT64_MAX)) {
-    }
-    std::vector<AnsiString> names;
-    for (int64_t i = 0; i < rows.Count(); ++i) names.push_back(Utf8ToAnsiLossy(rows.Bytes(i, 0)));
-    return names;
 }
 
 }  // namespace vyn

@@ -9,6 +9,9 @@ namespace vyn {
 // The embedded engine: "Provider=SQLite;Data Source=FILE" (":memory:" or no file at all: a database in memory that goes
 // with the connection; Mode=ReadOnly: nothing is written). A file that is not there is made, its folder is not.
 // Write-ahead log, full synchronisation, foreign keys on, and a wait of some seconds for other writers.
+//
+// "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=FILE" of stored applications opens a file that is there and in this
+// engine's format.
 void RegisterSqliteProvider();
 
 namespace sqlite_provider {
@@ -21,9 +24,26 @@ using DatabaseHandle = std::unique_ptr<sqlite3, CloseDatabase>;
 // Raises EDatabaseError with the engine's reason.
 [[noreturn]] void Raise(sqlite3* database, const AnsiString& what);
 
+const EngineDialect& Dialect();
+
+// Raises for a text of several statements.
 std::unique_ptr<ProviderStatement> PrepareStatement(sqlite3* database, const AnsiString& sql);
 // The field type of a declared column type; ftUnknown when it says nothing.
 TFieldType TypeOfDeclaration(const char* declared, int& size);
+
+// What a table's own description says of a column.
+struct ColumnDescription {
+    std::string Name;  // UTF-8
+    bool InKey = false;
+    bool Required = false;
+    bool Automatic = false;  // a default, or the row's own number
+    bool Counts = false;     // AUTOINCREMENT
+    bool Computed = false;
+};
+std::vector<ColumnDescription> DescribeTable(sqlite3* database, const std::string& table);
+std::vector<AnsiString> ListTables(sqlite3* database, SystemTables system);
+std::vector<AnsiString> ListKeyColumns(sqlite3* database, const AnsiString& table);
+std::vector<AnsiString> ListIndexColumns(sqlite3* database, const AnsiString& table, const AnsiString& index);
 
 }  // namespace sqlite_provider
 

@@ -1,8 +1,11 @@
 #include <cmath>
 #include <cstring>
+#include <map>
 
+#include "platform/access/sql_tokens.h"
 #include "platform/text/compare.h"
 #include "platform/text/exceptions.h"
+#include "platform/text/format_settings.h"
 #include "platform/text/numbers.h"
 #include "platform/text/windows1252.h"
 #include "providers/sqlite/connection.h"
@@ -32,6 +35,9 @@ class SqliteStatement final : public ProviderStatement {
             Raise(database, "The statement failed");
         if (!prepared) throw EDatabaseError("The statement is empty");
         statement_.reset(prepared);
+        for (const SqlToken& token : TokenizeSql(tail ? tail : ""))
+            if (token.Kind != SqlTokenKind::Blank && token.Kind != SqlTokenKind::Comment && token.Text != ";")
+                throw EDatabaseError("There is more than one statement");
     }
 
     std::vector<FieldDefinition> Columns() override {
@@ -39,10 +45,26 @@ class SqliteStatement final : public ProviderStatement {
         return columns_;
     }
 
-    void Bind(const std::vector<Variant>& parameters) override {
+    void ExpectColumns(std::vector<FieldDefinition> columns) override {
+        columns_ = std::move(columns);
+        columnsKnown_ = true;
+    }
+
+    int ParameterCount() const override { return sqlite3_bind_parameter_count(statement_.get()); }
+
+    void Bind(const std::vector<ProviderValue>& values) override {
         sqlite3_reset(statement_.get());
-        pendingRow_ = false;
-        for (size_t i = 0; i < parameters.size(); ++i) BindOne(static_cast<int>(i) + 1, parameters[i]);
+        pendingRow_ = done_ = false;
+        for (size_t i = 0; i < values.size(); ++i)
+            if (BindOne(static_cast<int>(i) + 1, values[i]) != SQLITE_OK)
+                Raise(database_, "A parameter cannot be bound");
+    }
+
+    int64_t Execute() override {
+        const int64_t before = sqlite3_total_changes64(database_);
+        while (!done_ && Step()) {
+        }
+        return sqlite3_total_changes64(database_) - before;
     }
 
     bool Fetch(RowStore& rows, int64_t count) override {
@@ -66,41 +88,41 @@ class SqliteStatement final : public ProviderStatement {
         return false;
     }
 
-    void BindOne(int index, const Variant& value) {
+    int BindOne(int index, const ProviderValue& value) {
         sqlite3_stmt* statement = statement_.get();
-        int result = SQLITE_OK;
-        switch (value.Type()) {
-            case varEmpty:
-            case varNull:
-                result = sqlite3_bind_null(statement, index);
-                break;
-            case varSmallint:
-            case varInteger:
-            case varByte:
-                result = sqlite3_bind_int64(statement, index, value.AsInt64());
-                break;
-            case varBoolean:
-                result = sqlite3_bind_int64(statement, index, value.AsBoolean() ? 1 : 0);
-                break;
-            case varSingle:
-            case varDouble:
-            case varCurrency:
-                result = sqlite3_bind_double(statement, index, value.AsDouble());
-                break;
-            case varDate:
-                result = BindText(index, AnsiToUtf8(ToIso8601(value.AsDateTime())));
-                break;
-            case varOleStr:
-                result = BindText(index, WideToUtf8(value.AsWideString()));
-                break;
-            case varString:
-                result = BindText(index, AnsiToUtf8(value.AsString()));
-                break;
+        const Cell& cell = value.Value;
+        if (cell.IsNull()) return sqlite3_bind_null(statement, index);
+        if (cell.IsInteger()) {
+            if (value.Type == ftCurrency || value.Type == ftBCD)
+                return sqlite3_bind_double(statement, index, Currency::FromScaled(cell.AsInteger()).ToDouble());
+            return sqlite3_bind_int64(statement, index, cell.AsInteger());
         }
-        if (result != SQLITE_OK) Raise(database_, "A parameter cannot be bound");
+        if (cell.IsReal()) {
+            if (value.Type == ftDate || value.Type == ftTime || value.Type == ftDateTime)
+                return BindText(index, DateText(cell.AsReal(), value.Type));
+            return sqlite3_bind_double(statement, index, cell.AsReal());
+        }
+        const std::string_view bytes = cell.AsBytes();
+        if (ColumnKindOf(value.Type) == ColumnKind::Bytes)
+            return sqlite3_bind_blob64(statement, index, bytes.data() ? bytes.data() : "", bytes.size(),
+                                       SQLITE_TRANSIENT);
+        return BindText(index, bytes);
     }
-    int BindText(int index, const std::string& text) {
-        return sqlite3_bind_text64(statement_.get(), index, text.data(), text.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
+    int BindText(int index, std::string_view text) {
+        return sqlite3_bind_text64(statement_.get(), index, text.data() ? text.data() : "", text.size(),
+                                   SQLITE_TRANSIENT, SQLITE_UTF8);
+    }
+    // As the dialect writes literals, and thousandths of a second when there are some.
+    static std::string DateText(double days, TFieldType type) {
+        Word hour, minute, second, millisecond;
+        DecodeTime(days, hour, minute, second, millisecond);
+        const bool atMidnight = hour == 0 && minute == 0 && second == 0 && millisecond == 0;
+        const EngineDialect& dialect = Dialect();
+        const AnsiString& mask = type == ftTime                                     ? dialect.TimeMask
+                                 : type == ftDate || (atMidnight && dialect.MidnightIsDateAlone) ? dialect.DateMask
+                                                                                    : dialect.DateTimeMask;
+        const bool fraction = type != ftDate && millisecond != 0;
+        return FormatDateTime(fraction ? mask + ".zzz" : mask, days, InvariantFormatSettings());
     }
 
     // Declared types say what columns hold; computed columns take the type of their first value.
@@ -112,11 +134,36 @@ class SqliteStatement final : public ProviderStatement {
             const char* name = sqlite3_column_name(statement_.get(), i);
             definition.Name = Utf8ToAnsiLossy(name ? name : "");
             definition.DataType = TypeOfDeclaration(sqlite3_column_decltype(statement_.get(), i), definition.Size);
+            FindOrigin(i, definition);
             if (definition.DataType == ftUnknown) {
                 if (!pendingRow_ && !done_) pendingRow_ = Step();
                 definition.DataType = pendingRow_ ? TypeOfValue(i) : ftString;
             }
             columns_.push_back(definition);
+        }
+    }
+    void FindOrigin(int column, FieldDefinition& definition) {
+        const char* schema = sqlite3_column_database_name(statement_.get(), column);
+        const char* table = sqlite3_column_table_name(statement_.get(), column);
+        const char* origin = sqlite3_column_origin_name(statement_.get(), column);
+        definition.ReadOnly = true;
+        // Tables of attached databases are read only: the catalog speaks of the connection's own.
+        if (!schema || !table || !origin || !(SameText(schema, "main") || SameText(schema, "temp"))) return;
+        // So is what has a name that SQL of ours cannot say.
+        AnsiString tableName, originName;
+        size_t position = 0;
+        if (!TryUtf8ToAnsi(table, tableName, position) || !TryUtf8ToAnsi(origin, originName, position)) return;
+        auto known = tables_.find(table);
+        if (known == tables_.end()) known = tables_.emplace(table, DescribeTable(database_, table)).first;
+        for (const ColumnDescription& each : known->second) {
+            if (each.Name != origin) continue;
+            definition.OriginTable = tableName;
+            definition.OriginColumn = originName;
+            definition.InKey = each.InKey;
+            definition.Automatic = each.Automatic;
+            definition.Required = each.Required;
+            definition.ReadOnly = each.Computed;
+            if (each.Counts) definition.DataType = ftAutoInc;
         }
     }
     TFieldType TypeOfValue(int column) {
@@ -156,6 +203,8 @@ class SqliteStatement final : public ProviderStatement {
             case ColumnKind::Integer:
                 if (type == ftCurrency || type == ftBCD)
                     PutScaled(rows, column, held);
+                else if (type == ftBoolean && held == SQLITE_TEXT)
+                    rows.PutInteger(IsWordForTrue(TextAt(column)));
                 else
                     rows.PutInteger(sqlite3_column_int64(statement, column));
                 return;
@@ -175,6 +224,11 @@ class SqliteStatement final : public ProviderStatement {
                 return;
             }
         }
+    }
+
+    // Booleans that were written as literals are words.
+    static bool IsWordForTrue(std::string_view text) {
+        return SameText(text, "True") || SameText(text, "T") || SameText(text, "Yes") || SameText(text, "Y");
     }
 
     // Money is kept in ten-thousandths; the engine holds it as a number or as text.
@@ -213,6 +267,7 @@ class SqliteStatement final : public ProviderStatement {
     sqlite3* database_;
     std::unique_ptr<sqlite3_stmt, FinalizeStatement> statement_;
     std::vector<FieldDefinition> columns_;
+    std::map<std::string, std::vector<ColumnDescription>> tables_;
     bool columnsKnown_ = false;
     bool pendingRow_ = false;  // stepped to, not yet put
     bool done_ = false;

@@ -55,7 +55,10 @@ class Ear : public TDataLink {
     std::vector<DataEvent> heard;
 
   protected:
-    void Changed(DataEvent event) override { heard.push_back(event); }
+    void Changed(DataEvent event, TField*) override {
+        // Asking for what is typed is no news.
+        if (event != DataEvent::CheckBrowse && event != DataEvent::UpdateRecord) heard.push_back(event);
+    }
 };
 
 AnsiString MessageOf(const std::function<void()>& action) {

@@ -1,0 +1,212 @@
+#include "platform/access/ado_connection.h"
+
+#include <algorithm>
+
+#include "platform/access/ado.h"
+#include "platform/text/compare.h"
+#include "platform/text/exceptions.h"
+
+namespace vyn {
+
+namespace access_detail {
+
+struct RegisteredProvider {
+    AnsiString name;
+    ProviderFactory factory;
+};
+
+std::vector<RegisteredProvider>& Providers() {
+    static std::vector<RegisteredProvider> providers;
+    return providers;
+}
+
+// The provider of a connection string that names none.
+constexpr char kDefaultProvider[] = "SQLite";
+
+}  // namespace access_detail
+
+void RegisterProvider(const AnsiString& name, ProviderFactory factory) {
+    auto& providers = access_detail::Providers();
+    std::erase_if(providers, [&](const auto& each) { return SameText(each.name, name); });
+    providers.push_back({name, std::move(factory)});
+}
+
+std::unique_ptr<ProviderConnection> OpenProvider(const ConnectionString& settings) {
+    const AnsiString wanted = settings.Value("Provider", access_detail::kDefaultProvider);
+    AnsiString known;
+    for (const auto& provider : access_detail::Providers()) {
+        if (SameText(provider.name, wanted)) return provider.factory(settings);
+        known += (known.empty() ? "" : ", ") + provider.name;
+    }
+    throw EDatabaseError("Provider=" + wanted + ": there is no such provider; there are: " + known);
+}
+
+const EnumType& TypeInfoOf(TypeTag<TXactAttribute>) {
+    static const EnumType info("TXactAttribute", {"xaCommitRetaining", "xaAbortRetaining"});
+    return info;
+}
+const EnumType& TypeInfoOf(TypeTag<TConnectOption>) {
+    static const EnumType info("TConnectOption", {"coConnectUnspecified", "coAsyncConnect"});
+    return info;
+}
+const EnumType& TypeInfoOf(TypeTag<TCursorLocation>) {
+    static const EnumType info("TCursorLocation", {"clUseServer", "clUseClient"});
+    return info;
+}
+const EnumType& TypeInfoOf(TypeTag<TIsolationLevel>) {
+    static const EnumType info("TIsolationLevel",
+                               {"ilUnspecified", "ilChaos", "ilReadUncommitted", "ilBrowse", "ilCursorStability",
+                                "ilReadCommitted", "ilRepeatableRead", "ilSerializable", "ilIsolated"});
+    return info;
+}
+const EnumType& TypeInfoOf(TypeTag<TConnectMode>) {
+    static const EnumType info("TConnectMode", {"cmUnknown", "cmRead", "cmWrite", "cmReadWrite", "cmShareDenyRead",
+                                                "cmShareDenyWrite", "cmShareExclusive", "cmShareDenyNone"});
+    return info;
+}
+
+const ClassInfo& TADOConnection::StaticClass() {
+    static const ClassInfo info =
+        DefineClass<TADOConnection, TComponent>("TADOConnection")
+            .Published("Attributes", &TADOConnection::Attributes, &TADOConnection::Attributes)
+            .Default(TXactAttributes())
+            .Published("CommandTimeout", &TADOConnection::CommandTimeout, &TADOConnection::CommandTimeout)
+            .Default(30)
+            .Published("Connected", &TADOConnection::Connected, &TADOConnection::SetConnected)
+            .Default(false)
+            .Published("ConnectionString", &TADOConnection::ConnectionString, &TADOConnection::SetConnectionString)
+            .Published("ConnectionTimeout", &TADOConnection::ConnectionTimeout, &TADOConnection::ConnectionTimeout)
+            .Default(15)
+            .Published("ConnectOptions", &TADOConnection::ConnectOptions, &TADOConnection::ConnectOptions)
+            .Default(coConnectUnspecified)
+            .Published("CursorLocation", &TADOConnection::CursorLocation, &TADOConnection::CursorLocation)
+            .Default(clUseClient)
+            .Published("DefaultDatabase", &TADOConnection::DefaultDatabase, &TADOConnection::DefaultDatabase)
+            .Published("IsolationLevel", &TADOConnection::IsolationLevel, &TADOConnection::IsolationLevel)
+            .Default(ilCursorStability)
+            .Published("KeepConnection", &TADOConnection::KeepConnection, &TADOConnection::KeepConnection)
+            .Default(true)
+            .Published("LoginPrompt", &TADOConnection::LoginPrompt, &TADOConnection::LoginPrompt)
+            .Default(true)
+            .Published("Mode", &TADOConnection::Mode, &TADOConnection::SetMode)
+            .Default(cmUnknown)
+            .Published("Provider", &TADOConnection::ProviderName, &TADOConnection::SetProviderName)
+            .Event("AfterConnect", &TADOConnection::AfterConnect)
+            .Event("BeforeConnect", &TADOConnection::BeforeConnect)
+            .Event("AfterDisconnect", &TADOConnection::AfterDisconnect)
+            .Event("BeforeDisconnect", &TADOConnection::BeforeDisconnect);
+    return info;
+}
+
+TADOConnection::~TADOConnection() {
+    BeginDestruction();
+    SetConnected(false);
+    while (!dataSets_.empty()) dataSets_.back()->SetConnection(nullptr);
+}
+
+void TADOConnection::CheckClosed() const {
+    if (Connected()) throw EDatabaseError("Cannot perform this operation on an open connection");
+}
+
+void TADOConnection::SetConnectionString(const AnsiString& value) {
+    if (value == connectionString_) return;
+    CheckClosed();
+    connectionString_ = value;
+}
+
+void TADOConnection::SetProviderName(const AnsiString& value) {
+    if (value == providerName_) return;
+    CheckClosed();
+    providerName_ = value;
+}
+
+void TADOConnection::SetMode(TConnectMode value) {
+    if (value == mode_) return;
+    CheckClosed();
+    mode_ = value;
+}
+
+AnsiString TADOConnection::FullConnectionString() const {
+    // Of a key that is there twice the last counts: the string's own.
+    AnsiString text;
+    if (!providerName_.empty()) text += "Provider=\"" + providerName_ + "\";";
+    if (mode_ == cmRead) text += "Mode=Read;";
+    return text + connectionString_;
+}
+
+void TADOConnection::SetConnected(bool value) {
+    if (HasState(csLoading)) {
+        connectWhenLoaded_ = value;
+        return;
+    }
+    if (value == Connected()) return;
+    if (value) {
+        BeforeConnect(this);
+        connection_ = OpenProvider(vyn::ConnectionString(FullConnectionString()));
+        AfterConnect(this);
+        return;
+    }
+    BeforeDisconnect(this);
+    for (TCustomADODataSet* dataSet : std::vector<TCustomADODataSet*>(dataSets_)) dataSet->Close();
+    connection_.reset();
+    AfterDisconnect(this);
+}
+
+void TADOConnection::Loaded() {
+    TComponent::Loaded();
+    if (connectWhenLoaded_) Open();
+}
+
+ProviderConnection& TADOConnection::Provider() {
+    if (!Connected()) SetConnected(true);
+    if (!connection_) throw EDatabaseError("The connection " + Name() + " is still being read");
+    return *connection_;
+}
+
+void TADOConnection::FinishReading() {
+    for (TCustomADODataSet* dataSet : std::vector<TCustomADODataSet*>(dataSets_))
+        if (dataSet->Active() && !dataSet->AllFetched()) dataSet->RecordCount();
+}
+
+int64_t TADOConnection::Execute(const AnsiString& sql) {
+    ProviderConnection& provider = Provider();
+    FinishReading();
+    return provider.Execute(TranslateSql(sql, provider.Dialect(), ParameterParsing::Off).Text);
+}
+
+int TADOConnection::BeginTrans() {
+    ProviderConnection& provider = Provider();
+    FinishReading();
+    return provider.Begin();
+}
+
+void TADOConnection::CommitTrans() {
+    if (!InTransaction()) throw EDatabaseError("There is no transaction to commit");
+    FinishReading();
+    connection_->Commit();
+}
+
+void TADOConnection::RollbackTrans() {
+    if (!InTransaction()) throw EDatabaseError("There is no transaction to roll back");
+    FinishReading();
+    connection_->Rollback();
+}
+
+void TADOConnection::GetTableNames(TStrings& list, bool systemTables) {
+    const std::vector<AnsiString> names =
+        Provider().TableNames(systemTables ? SystemTables::Include : SystemTables::Leave);
+    list.BeginUpdate();
+    list.Clear();
+    for (const AnsiString& name : names) list.Add(name);
+    list.EndUpdate();
+}
+
+void TADOConnection::GetProcedureNames(TStrings& list) {
+    const std::vector<AnsiString> names = Provider().ProcedureNames();
+    list.BeginUpdate();
+    list.Clear();
+    for (const AnsiString& name : names) list.Add(name);
+    list.EndUpdate();
+}
+
+}  // namespace vyn

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <vector>
+
+#include "platform/text/ansi_string.h"
+#include "platform/values/date_time.h"
+
+namespace vyn {
+
+// How an engine wants its SQL, where engines differ. Each provider has one, in its dialect.cpp.
+struct EngineDialect {
+    // Where a limit of rows stands.
+    enum class RowLimit {
+        LimitAtEnd,    // SELECT ... LIMIT 10
+        FetchAtEnd,    // SELECT ... FETCH FIRST 10 ROWS ONLY
+        TopAtBeginning  // SELECT TOP 10 ...
+    };
+    RowLimit Limit = RowLimit::LimitAtEnd;
+    // Around names; the closing one is doubled inside.
+    char NameOpen = '"';
+    char NameClose = '"';
+    // What stands around date literals, and masks of FormatDateTime for what is inside.
+    AnsiString DateBefore = "'";
+    AnsiString DateAfter = "'";
+    AnsiString DateMask = "yyyy-mm-dd";
+    AnsiString TimeMask = "hh:nn:ss";
+    AnsiString DateTimeMask = "yyyy-mm-dd hh:nn:ss";
+    // Whether a date and time at midnight is written as a date alone.
+    bool MidnightIsDateAlone = false;
+    // Between two values that are the same, both null included.
+    AnsiString SameValue = " IS NOT DISTINCT FROM ";
+    // Behind a SELECT that holds its row for the transaction; empty where writing locks.
+    AnsiString HoldRow;
+
+    AnsiString QuotedName(const AnsiString& name) const;
+};
+
+enum class ParameterParsing { Off, On };
+
+// A statement as an engine takes it: "?" stands for each parameter, whose names come in the order of their marks.
+struct EngineSql {
+    AnsiString Text;
+    std::vector<AnsiString> ParameterNames;
+};
+
+// Turns a statement as the framework writes it (date literals between #, [names], "TOP n," behind SELECT) into the
+// engine's. Token by token: what stands in quotes or comments stays as it is. With parsing on, ":name" is a parameter,
+// and two colons stand for one. Raises EDatabaseError for what no engine can be told (TOP n PERCENT).
+EngineSql TranslateSql(const AnsiString& sql, const EngineDialect& dialect, ParameterParsing parsing);
+
+// The names of the parameters in a statement, each once, in the order of their first places.
+std::vector<AnsiString> ParameterNamesOf(const AnsiString& sql);
+
+// What can be told of a query from its text.
+struct QueryShape {
+    bool IsSelect = false;
+    bool IsCompound = false;  // UNION, INTERSECT, EXCEPT
+    bool IsJoined = false;    // more than one source behind FROM
+    bool IsGrouped = false;   // GROUP BY, DISTINCT
+    AnsiString Source;        // the table or view behind FROM, without its schema; empty for a query in parentheses
+};
+QueryShape ShapeOf(const AnsiString& sql);
+
+}  // namespace vyn

@@ -1,0 +1,270 @@
+#include "platform/access/sql_tokens.h"
+
+#include <array>
+
+#include "platform/text/compare.h"
+#include "platform/text/date_format.h"
+
+namespace vyn {
+
+namespace sql_tokens_detail {
+
+constexpr size_t kLongestDate = 48;
+constexpr unsigned char kFirstLetterBeyondAscii = 0x80;
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsBlank(char c) { return static_cast<unsigned char>(c) <= ' '; }
+bool BeginsWord(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
+           static_cast<unsigned char>(c) >= kFirstLetterBeyondAscii;
+}
+bool IsInWord(char c) { return BeginsWord(c) || IsDigit(c) || c == '$'; }
+
+// Reads numbers and separators of a date literal from the left.
+class DateReader {
+  public:
+    explicit DateReader(std::string_view text) : text_(text) {}
+
+    bool AtEnd() const { return at_ == text_.size(); }
+    char Peek() const { return AtEnd() ? '\0' : text_[at_]; }
+    void SkipBlanks() {
+        while (!AtEnd() && text_[at_] == ' ') ++at_;
+    }
+    bool Number(int& value, size_t& digits) {
+        const size_t start = at_;
+        value = 0;
+        for (; !AtEnd() && IsDigit(text_[at_]) && at_ - start < 4; ++at_) value = value * 10 + (text_[at_] - '0');
+        digits = at_ - start;
+        return digits > 0;
+    }
+    bool Take(char c) {
+        if (Peek() != c) return false;
+        ++at_;
+        return true;
+    }
+    // One colon, or two.
+    bool Colon() {
+        if (!Take(':')) return false;
+        Take(':');
+        return true;
+    }
+    bool Word(std::string_view word) {
+        if (!SameText(text_.substr(at_, word.size()), word)) return false;
+        at_ += word.size();
+        return true;
+    }
+    size_t Position() const { return at_; }
+    void GoTo(size_t position) { at_ = position; }
+
+  private:
+    std::string_view text_;
+    size_t at_ = 0;
+};
+
+bool ReadDate(DateReader& reader, double& days) {
+    int first = 0, second = 0, third = 0;
+    size_t firstDigits = 0, digits = 0, thirdDigits = 0;
+    if (!reader.Number(first, firstDigits)) return false;
+    const char separator = reader.Peek();
+    if (separator != '/' && separator != '-' && separator != '.') return false;
+    if (!reader.Take(separator) || !reader.Number(second, digits) || !reader.Take(separator) ||
+        !reader.Number(third, thirdDigits))
+        return false;
+    if (firstDigits > 2) return TryEncodeDate(first, second, third, days);
+    // Two digits of a year are of the years 1930 to 2029.
+    constexpr int kCentury = 100, kPivot = 30, kThisCentury = 2000;
+    if (thirdDigits <= 2) third += third < kPivot ? kThisCentury : kThisCentury - kCentury;
+    if (first > 12) std::swap(first, second);
+    return TryEncodeDate(third, first, second, days);
+}
+
+bool ReadTime(DateReader& reader, double& time) {
+    int hour = 0, minute = 0, second = 0, fraction = 0;
+    size_t digits = 0;
+    if (!reader.Number(hour, digits) || !reader.Colon() || !reader.Number(minute, digits)) return false;
+    if (reader.Colon()) {
+        if (!reader.Number(second, digits)) return false;
+        if (reader.Take('.')) {
+            if (!reader.Number(fraction, digits) || digits > 3) return false;
+            for (; digits < 3; ++digits) fraction *= 10;
+        }
+    }
+    reader.SkipBlanks();
+    constexpr int kHalfDay = 12;
+    const bool after = reader.Word("PM");
+    if (after || reader.Word("AM")) {
+        if (hour < 1 || hour > kHalfDay) return false;
+        hour = hour % kHalfDay + (after ? kHalfDay : 0);
+    }
+    return TryEncodeTime(hour, minute, second, fraction, time);
+}
+
+}  // namespace sql_tokens_detail
+
+bool ParseDateLiteral(std::string_view text, double& days, DateLiteralParts& parts) {
+    using namespace sql_tokens_detail;
+    if (text.size() > kLongestDate) return false;
+    DateReader reader(text);
+    reader.SkipBlanks();
+    double date = 0, time = 0;
+    parts = DateLiteralParts::Date;
+    const size_t start = reader.Position();
+    if (ReadDate(reader, date)) {
+        reader.SkipBlanks();
+        if (!reader.AtEnd()) {
+            parts = DateLiteralParts::Both;
+            if (!ReadTime(reader, time)) return false;
+        }
+    } else {
+        reader.GoTo(start);
+        parts = DateLiteralParts::Time;
+        if (!ReadTime(reader, time)) return false;
+    }
+    reader.SkipBlanks();
+    days = JoinDateTime(date, time);
+    return reader.AtEnd();
+}
+
+namespace sql_tokens_detail {
+
+class Tokenizer {
+  public:
+    explicit Tokenizer(std::string_view sql) : sql_(sql) {}
+
+    std::vector<SqlToken> All() {
+        std::vector<SqlToken> tokens;
+        while (at_ < sql_.size()) {
+            const size_t start = at_;
+            const SqlTokenKind kind = Next();
+            tokens.push_back({kind, sql_.substr(start, at_ - start)});
+        }
+        return tokens;
+    }
+
+  private:
+    char At(size_t ahead = 0) const { return at_ + ahead < sql_.size() ? sql_[at_ + ahead] : '\0'; }
+    bool More() const { return at_ < sql_.size(); }
+
+    SqlTokenKind Next() {
+        const char c = At();
+        if (IsBlank(c)) {
+            while (More() && IsBlank(At())) ++at_;
+            return SqlTokenKind::Blank;
+        }
+        if (c == '-' && At(1) == '-') {
+            while (More() && At() != '\n') ++at_;
+            return SqlTokenKind::Comment;
+        }
+        if (c == '/' && At(1) == '*') {
+            const size_t end = sql_.find("*/", at_ + 2);
+            at_ = end == std::string_view::npos ? sql_.size() : end + 2;
+            return SqlTokenKind::Comment;
+        }
+        if (c == '\'' || c == '"') {
+            Quoted(c);
+            return SqlTokenKind::Quoted;
+        }
+        if (c == '[' || c == '`') return BracketedName(c == '[' ? ']' : '`');
+        if (c == '#') return DateOrSymbol();
+        if (c == ':') return Colon();
+        if (BeginsWord(c)) {
+            while (More() && IsInWord(At())) ++at_;
+            return SqlTokenKind::Identifier;
+        }
+        if (IsDigit(c) || (c == '.' && IsDigit(At(1)))) {
+            Number();
+            return SqlTokenKind::Number;
+        }
+        ++at_;
+        return SqlTokenKind::Symbol;
+    }
+
+    void Quoted(char quote) {
+        for (++at_; More(); ++at_) {
+            if (At() != quote) continue;
+            if (At(1) != quote) {
+                ++at_;
+                return;
+            }
+            ++at_;
+        }
+    }
+
+    SqlTokenKind BracketedName(char close) {
+        const size_t end = sql_.find(close, at_ + 1);
+        if (end == std::string_view::npos || end == at_ + 1) {
+            ++at_;
+            return SqlTokenKind::Symbol;
+        }
+        at_ = end + 1;
+        return SqlTokenKind::Name;
+    }
+
+    SqlTokenKind DateOrSymbol() {
+        const size_t end = sql_.find('#', at_ + 1);
+        double days = 0;
+        DateLiteralParts parts;
+        if (end == std::string_view::npos || !ParseDateLiteral(sql_.substr(at_ + 1, end - at_ - 1), days, parts)) {
+            ++at_;
+            return SqlTokenKind::Symbol;
+        }
+        at_ = end + 1;
+        return SqlTokenKind::Date;
+    }
+
+    SqlTokenKind Colon() {
+        if (At(1) == ':') {
+            at_ += 2;
+            return SqlTokenKind::Colons;
+        }
+        if (At(1) == '"') {
+            ++at_;
+            Quoted('"');
+            return SqlTokenKind::Parameter;
+        }
+        ++at_;
+        if (!More() || !IsInWord(At())) return SqlTokenKind::Symbol;
+        while (More() && IsInWord(At())) ++at_;
+        return SqlTokenKind::Parameter;
+    }
+
+    void Number() {
+        while (More() && IsDigit(At())) ++at_;
+        if (At() == '.') {
+            ++at_;
+            while (More() && IsDigit(At())) ++at_;
+        }
+        if (At() != 'e' && At() != 'E') return;
+        const size_t sign = At(1) == '+' || At(1) == '-' ? 1 : 0;
+        if (!IsDigit(At(1 + sign))) return;
+        at_ += 1 + sign;
+        while (More() && IsDigit(At())) ++at_;
+    }
+
+    std::string_view sql_;
+    size_t at_ = 0;
+};
+
+}  // namespace sql_tokens_detail
+
+std::vector<SqlToken> TokenizeSql(std::string_view sql) { return sql_tokens_detail::Tokenizer(sql).All(); }
+
+AnsiString NameOf(const SqlToken& token) {
+    std::string_view text = token.Text;
+    if (token.Kind == SqlTokenKind::Name) return AnsiString(text.substr(1, text.size() - 2));
+    if (token.Kind == SqlTokenKind::Parameter) text.remove_prefix(1);
+    if (text.empty() || (text.front() != '"' && text.front() != '\'')) return AnsiString(text);
+    const char quote = text.front();
+    AnsiString name;
+    for (size_t i = 1; i < text.size(); ++i) {
+        if (text[i] == quote) ++i;  // the closing one, or the first of two
+        if (i < text.size()) name += text[i];
+    }
+    return name;
+}
+
+bool IsKeyword(const SqlToken& token, std::string_view word) {
+    return token.Kind == SqlTokenKind::Identifier && SameText(token.Text, word);
+}
+
+}  // namespace vyn

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "platform/text/ansi_string.h"
+
+namespace vyn {
+
+enum class SqlTokenKind {
+    Blank,
+    Comment,    // -- to the end of its line, /* to */
+    Identifier,  // a keyword or a name
+    Number,     //
+    Quoted,     // in ' or ", which are doubled inside
+    Name,       // in [ ] or ` `
+    Date,       // #...# around a date, a time or both
+    Parameter,  // :name, :"name"
+    Colons,     // ::
+    Symbol,     // one character
+};
+
+// A piece of a statement; a view into its text.
+struct SqlToken {
+    SqlTokenKind Kind;
+    std::string_view Text;
+};
+
+// Cuts a statement into tokens, which together are its text again. Every text is accepted: what is not closed runs to
+// the end.
+std::vector<SqlToken> TokenizeSql(std::string_view sql);
+
+// The name that a token says, without what stands around it.
+AnsiString NameOf(const SqlToken& token);
+// Whether it is this keyword, in any case.
+bool IsKeyword(const SqlToken& token, std::string_view word);
+
+// Which parts a date literal has.
+enum class DateLiteralParts { Date, Time, Both };
+// Reads what stands between the marks: mm/dd/yyyy or yyyy-mm-dd, perhaps hh:nn[:ss[.zzz]] [AM|PM] with colons that may
+// be doubled, or a time alone. A month beyond 12 is taken for the day.
+bool ParseDateLiteral(std::string_view text, double& days, DateLiteralParts& parts);
+
+}  // namespace vyn

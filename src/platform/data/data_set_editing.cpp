@@ -1,0 +1,246 @@
+#include <algorithm>
+
+#include "platform/data/data_set.h"
+
+// Editing: one record at a time lies in a buffer over the rows until it is posted.
+namespace vyn {
+
+template <class F>
+void TDataSet::WithErrorEvent(const TDataSetErrorEvent& event, F action) {
+    for (;;) {
+        TDataAction what = daFail;
+        try {
+            action();
+            return;
+        } catch (EDatabaseError& error) {
+            event(this, error, what);
+            if (what == daFail) throw;
+        }
+        if (what == daAbort) Abort();
+    }
+}
+
+void TDataSet::CheckCanModify() const {
+    const AnsiString reason = ReasonNotToModify();
+    if (!reason.empty()) DatabaseError(reason);
+}
+
+const Cell* TDataSet::EditedCell(int64_t row, int column) const {
+    if (edited_.empty() || row != RowOf(current_)) return nullptr;
+    return &edited_[static_cast<size_t>(column)];
+}
+
+void TDataSet::StopEditing() {
+    if (state_ == dsInsert && rows_ && current_ >= 0) {
+        // The record that was begun goes, and the one before it is current again.
+        RemoveRecord(current_);
+        current_ = std::min(beforeInsert_, RecordsFetched() - 1);
+        if (current_ < 0 && RecordsFetched() > 0) current_ = 0;
+        if (current_ < 0) bof_ = eof_ = true;
+    }
+    if (IsEditing()) state_ = dsBrowse;
+    edited_.clear();
+    original_.clear();
+    modified_ = false;
+    calculatedRow_ = -1;
+}
+
+void TDataSet::RemoveRecord(int64_t record) {
+    const int64_t row = RowOf(record);
+    rows_->Remove(row);
+    calculatedRow_ = -1;
+    if (!viewed_) return;
+    view_.erase(view_.begin() + record);
+    for (int64_t& each : view_)
+        if (each > row) --each;
+}
+
+void TDataSet::Edit() {
+    CheckActive();
+    if (IsEditing()) return;
+    if (current_ < 0) {
+        Insert();
+        return;
+    }
+    CheckBrowseMode();
+    CheckCanModify();
+    BeforeEdit(this);
+    Record record = rows_->RecordAt(RowOf(current_));
+    WithErrorEvent(OnEditError, [&] { InternalEdit(record); });
+    rows_->Replace(RowOf(current_), record);
+    edited_ = record;
+    original_ = std::move(record);
+    modified_ = false;
+    calculatedRow_ = -1;
+    state_ = dsEdit;
+    Announce(DataEvent::StateChanged);
+    AfterEdit(this);
+}
+
+void TDataSet::Insert() {
+    CheckBrowseMode();
+    BeginInsert(std::max<int64_t>(current_, 0));
+}
+
+void TDataSet::Append() {
+    CheckBrowseMode();
+    CheckCanModify();
+    BeginInsert(RecordCount());
+}
+
+void TDataSet::BeginInsert(int64_t at) {
+    CheckCanModify();
+    BeforeInsert(this);
+    BeforeScroll(this);
+    const size_t columns = definitions_.size();
+    beforeInsert_ = current_;
+    if (viewed_) {
+        const int64_t row = rows_->Count();
+        rows_->Insert(row, Record(columns));
+        view_.insert(view_.begin() + at, row);
+    } else {
+        rows_->Insert(at, Record(columns));
+    }
+    current_ = at;
+    edited_.assign(columns, Cell());
+    original_.clear();
+    calculatedRow_ = -1;
+    state_ = dsInsert;
+    bof_ = eof_ = false;
+    try {
+        InternalNewRecord();
+        OnNewRecord(this);
+    } catch (...) {
+        StopEditing();
+        throw;
+    }
+    // First values are no change: a record that nobody touches is not written.
+    modified_ = false;
+    Announce(DataEvent::StateChanged);
+    Announce(DataEvent::RecordsChanged);
+    AfterInsert(this);
+    AfterScroll(this);
+}
+
+void TDataSet::PutField(TField& field, Cell cell) {
+    if (calculating_) {
+        const auto found = std::find_if(calculated_.begin(), calculated_.end(),
+                                        [&](const auto& each) { return each.first == &field; });
+        if (found == calculated_.end())
+            calculated_.emplace_back(&field, std::move(cell));
+        else
+            found->second = std::move(cell);
+        return;
+    }
+    Cell& kept = edited_[static_cast<size_t>(field.FieldNo())];
+    std::swap(kept, cell);
+    if (AutoCalcFields) calculatedRow_ = -1;
+    if (field.OnValidate) {
+        try {
+            field.OnValidate(&field);
+        } catch (...) {
+            // The handler may have ended the editing.
+            if (!edited_.empty()) edited_[static_cast<size_t>(field.FieldNo())] = std::move(cell);
+            throw;
+        }
+    }
+    modified_ = true;
+    Announce(DataEvent::RecordChanged, &field);
+    field.OnChange(&field);
+}
+
+void TDataSet::ClearFields() {
+    if (!IsEditing()) DatabaseError("Dataset not in edit or insert mode");
+    for (TField* field : std::vector<TField*>(fields_))
+        if (field->CanModify()) field->Clear();
+}
+
+void TDataSet::UpdateRecord() {
+    if (!IsEditing()) DatabaseError("Dataset not in edit or insert mode");
+    Announce(DataEvent::UpdateRecord);
+}
+
+void TDataSet::CheckRequired() const {
+    for (const TField* field : fields_) {
+        if (!field->Required || field->ReadOnly || field->FieldKind() != fkData || field->FieldNo() < 0) continue;
+        const Cell& cell = edited_[static_cast<size_t>(field->FieldNo())];
+        // What the engine fills in by itself need not be given.
+        if (!cell.IsNull() || (state_ == dsInsert && cell.IsUnset() && field->columnAutomatic_)) continue;
+        DatabaseError("Field '" + field->DisplayLabel() + "' must have a value");
+    }
+}
+
+void TDataSet::WriteCurrent() {
+    Record record = edited_;
+    if (state_ == dsInsert)
+        InternalInsert(record);
+    else if (!(edited_ == original_))
+        InternalUpdate(original_, record);
+    rows_->Replace(RowOf(current_), record);
+}
+
+void TDataSet::Post() {
+    CheckActive();
+    UpdateRecord();
+    Announce(DataEvent::CheckBrowse);
+    // Handlers may still fill in what is required.
+    BeforePost(this);
+    CheckRequired();
+    WithErrorEvent(OnPostError, [&] { WriteCurrent(); });
+    state_ = dsBrowse;
+    StopEditing();
+    Announce(DataEvent::StateChanged);
+    Announce(DataEvent::RecordsChanged);
+    AfterPost(this);
+}
+
+void TDataSet::Cancel() {
+    CheckActive();
+    if (!IsEditing()) return;
+    const bool inserting = state_ == dsInsert;
+    BeforeCancel(this);
+    if (inserting) BeforeScroll(this);
+    StopEditing();
+    Announce(DataEvent::StateChanged);
+    Announce(inserting ? DataEvent::RecordsChanged : DataEvent::RecordChanged);
+    AfterCancel(this);
+    if (inserting) AfterScroll(this);
+}
+
+void TDataSet::Delete() {
+    CheckActive();
+    if (state_ == dsInsert) {
+        Cancel();
+        return;
+    }
+    if (current_ < 0) DatabaseError("Cannot perform this operation on an empty dataset");
+    CheckCanModify();
+    Announce(DataEvent::CheckBrowse);
+    BeforeDelete(this);
+    BeforeScroll(this);
+    const Record original = IsEditing() ? original_ : rows_->RecordAt(RowOf(current_));
+    WithErrorEvent(OnDeleteError, [&] { InternalDelete(original); });
+    const bool wasEditing = IsEditing();
+    StopEditing();
+    RemoveRecord(current_);
+    current_ = std::min(current_, FetchTo(current_ + 1) - 1);
+    if (current_ < 0) bof_ = eof_ = true;
+    if (wasEditing) Announce(DataEvent::StateChanged);
+    Announce(DataEvent::RecordsChanged);
+    AfterDelete(this);
+    AfterScroll(this);
+}
+
+void TDataSet::CheckBrowseMode() {
+    CheckActive();
+    Announce(DataEvent::CheckBrowse);
+    if (!IsEditing()) return;
+    UpdateRecord();
+    if (!IsEditing()) return;
+    if (modified_)
+        Post();
+    else
+        Cancel();
+}
+
+}  // namespace vyn

@@ -1,0 +1,268 @@
+#include <algorithm>
+#include <cmath>
+
+#include "platform/data/data_set.h"
+#include "platform/data/data_set_focus.h"
+#include "platform/text/compare.h"
+#include "platform/text/numbers.h"
+#include "platform/text/windows1252.h"
+
+// Finding records: by their values, by bookmarks, by filters and in another order; and what is calculated for them.
+namespace vyn {
+
+const EnumType& TypeInfoOf(TypeTag<TLocateOption>) {
+    static const EnumType info("TLocateOption", {"loCaseInsensitive", "loPartialKey"});
+    return info;
+}
+
+namespace data_set_search_detail {
+
+std::vector<AnsiString> SplitNames(const AnsiString& names, char separator) {
+    std::vector<AnsiString> parts;
+    for (size_t at = 0; at <= names.size();) {
+        const size_t end = std::min(names.find(separator, at), names.size());
+        const AnsiString name = Trim(names.substr(at, end - at));
+        if (!name.empty()) parts.push_back(name);
+        at = end + 1;
+    }
+    return parts;
+}
+
+bool SameInstant(double a, double b) {
+    constexpr double kHalfMillisecond = 0.5 / static_cast<double>(kMillisecondsPerDay);
+    return std::fabs(a - b) < kHalfMillisecond;
+}
+
+}  // namespace data_set_search_detail
+
+// Tells whether a row has the values that are looked for.
+struct TDataSet::KeyMatcher {
+    struct Key {
+        const TField* field;
+        Variant value;
+        AnsiString text;   // as the field would show it
+        std::string utf8;  // and as rows keep it
+    };
+    std::vector<Key> keys;
+    TLocateOptions options;
+
+    KeyMatcher(const TDataSet& data, const AnsiString& names, const std::vector<Variant>& values, TLocateOptions how)
+        : options(how) {
+        const auto parts = data_set_search_detail::SplitNames(names, ';');
+        if (parts.empty() || parts.size() != values.size())
+            data.DatabaseError("There are " + IntToStr(static_cast<int64_t>(parts.size())) + " key fields (" + names +
+                               ") and " + IntToStr(static_cast<int64_t>(values.size())) + " values");
+        for (size_t i = 0; i < parts.size(); ++i) {
+            Key key{data.FieldByName(parts[i]), values[i], VarToStr(values[i]), {}};
+            key.utf8 = values[i].Type() == varOleStr ? WideToUtf8(values[i].AsWideString()) : AnsiToUtf8(key.text);
+            keys.push_back(std::move(key));
+        }
+    }
+
+    bool Matches(int64_t row) const {
+        return std::all_of(keys.begin(), keys.end(), [&](const Key& key) { return KeyMatches(key, row); });
+    }
+
+  private:
+    bool KeyMatches(const Key& key, int64_t row) const {
+        const bool none = key.field->IsNullInRow(row);
+        if (key.value.IsNull() || key.value.IsEmpty() || none)
+            return none && (key.value.IsNull() || key.value.IsEmpty());
+        if (ColumnKindOf(key.field->DataType()) == ColumnKind::Text) {
+            const Cell cell = key.field->CellIn(row);
+            if (options.Empty()) return cell.AsBytes() == key.utf8;
+            AnsiString held = Utf8ToAnsiLossy(cell.AsBytes());
+            if (options.Contains(loPartialKey)) {
+                if (held.size() < key.text.size()) return false;
+                held.resize(key.text.size());
+            }
+            return options.Contains(loCaseInsensitive) ? AnsiSameText(held, key.text) : held == key.text;
+        }
+        const Variant held = key.field->ValueInRow(row);
+        if (held.Type() == varDate && key.value.Type() == varDate)
+            return data_set_search_detail::SameInstant(held.AsDateTime().Val, key.value.AsDateTime().Val);
+        return VarSameValue(held, key.value);
+    }
+};
+
+int64_t TDataSet::FindRecord(const KeyMatcher& matcher) {
+    for (int64_t record = 0; record < FetchTo(record + 1); ++record)
+        if (matcher.Matches(RowOf(record))) return record;
+    return -1;
+}
+
+bool TDataSet::Locate(const AnsiString& keyFields, const Variant& value, TLocateOptions options) {
+    return Locate(keyFields, std::vector<Variant>{value}, options);
+}
+
+bool TDataSet::Locate(const AnsiString& keyFields, const std::vector<Variant>& values, TLocateOptions options) {
+    CheckBrowseMode();
+    const int64_t record = FindRecord(KeyMatcher(*this, keyFields, values, options));
+    if (record < 0) return false;
+    bof_ = eof_ = false;
+    MoveTo(record);
+    return true;
+}
+
+Variant TDataSet::Lookup(const AnsiString& keyFields, const Variant& value, const AnsiString& resultField) {
+    return Lookup(keyFields, std::vector<Variant>{value}, resultField);
+}
+
+Variant TDataSet::Lookup(const AnsiString& keyFields, const std::vector<Variant>& values,
+                         const AnsiString& resultField) {
+    CheckActive();
+    const TField* field = FieldByName(resultField);
+    const int64_t record = FindRecord(KeyMatcher(*this, keyFields, values, {}));
+    return record < 0 ? Variant::Null() : field->ValueIn(record);
+}
+
+TBookmark TDataSet::GetBookmark() const {
+    const int64_t row = RowOf(current_);
+    return row < 0 ? TBookmark{} : TBookmark{rows_->Identity(row), opening_};
+}
+
+bool TDataSet::BookmarkValid(TBookmark bookmark) const {
+    if (!rows_ || bookmark.Empty() || bookmark.Opening != opening_) return false;
+    const int64_t row = rows_->RowOf(bookmark.Identity);
+    return row >= 0 && (!viewed_ || std::find(view_.begin(), view_.end(), row) != view_.end());
+}
+
+void TDataSet::GotoBookmark(TBookmark bookmark) {
+    CheckBrowseMode();
+    if (bookmark.Empty()) return;
+    if (!BookmarkValid(bookmark)) DatabaseError("Record not found");
+    const int64_t row = rows_->RowOf(bookmark.Identity);
+    bof_ = eof_ = false;
+    MoveTo(viewed_ ? std::find(view_.begin(), view_.end(), row) - view_.begin() : row);
+}
+
+void TDataSet::SetFiltered(bool value) {
+    if (value == filtered_) return;
+    if (Active()) CheckBrowseMode();
+    filtered_ = value;
+    if (!Active()) return;
+    RebuildView();
+    Announce(DataEvent::RecordsChanged);
+}
+
+void TDataSet::SetSort(const AnsiString& value) {
+    if (value == sort_) return;
+    const AnsiString before = sort_;
+    if (Active()) CheckBrowseMode();
+    sort_ = value;
+    if (!Active()) return;
+    try {
+        RebuildView();
+    } catch (...) {
+        sort_ = before;
+        throw;
+    }
+    Announce(DataEvent::RecordsChanged);
+}
+
+bool TDataSet::Accepts(int64_t row) {
+    bool accept = true;
+    const RowInFocus focus(*this, row, dsFilter);
+    OnFilterRecord(this, accept);
+    return accept;
+}
+
+// Compares rows by the fields of the order; equal ones stay as they came.
+struct TDataSet::StoredOrder {
+    struct Part {
+        const TField* field;
+        bool descending;
+    };
+    std::vector<Part> parts;
+
+    explicit StoredOrder(const TDataSet& data) {
+        for (const AnsiString& text : data_set_search_detail::SplitNames(data.sort_, ',')) {
+            AnsiString name = text;
+            bool descending = false;
+            const size_t blank = text.rfind(' ');
+            if (blank != AnsiString::npos) {
+                const AnsiString word = text.substr(blank + 1);
+                descending = SameText(word, "DESC");
+                if (descending || SameText(word, "ASC")) name = Trim(text.substr(0, blank));
+            }
+            if (name.size() > 2 && name.front() == '[' && name.back() == ']') name = name.substr(1, name.size() - 2);
+            parts.push_back({data.FieldByName(name), descending});
+        }
+    }
+    bool operator()(int64_t a, int64_t b) const {
+        for (const Part& part : parts) {
+            const int order = Compare(part.field->CellIn(a), part.field->CellIn(b));
+            if (order != 0) return part.descending ? order > 0 : order < 0;
+        }
+        return false;
+    }
+
+  private:
+    // Nulls come first.
+    static int Compare(const Cell& a, const Cell& b) {
+        if (a.IsNull() || b.IsNull()) return static_cast<int>(b.IsNull()) - static_cast<int>(a.IsNull());
+        if (a.IsInteger()) return a.AsInteger() < b.AsInteger() ? -1 : a.AsInteger() > b.AsInteger();
+        if (a.IsReal()) return a.AsReal() < b.AsReal() ? -1 : a.AsReal() > b.AsReal();
+        const int order = AnsiCompareText(Utf8ToAnsiLossy(a.AsBytes()), Utf8ToAnsiLossy(b.AsBytes()));
+        return order != 0 ? order : a.AsBytes().compare(b.AsBytes());
+    }
+};
+
+void TDataSet::RebuildView() {
+    const int64_t row = RowOf(current_);
+    const StoredOrder order(*this);
+    if (!sort_.empty()) {
+        viewed_ = false;
+        RecordCount();
+    }
+    view_.clear();
+    viewed_ = filtered_ || !sort_.empty();
+    if (viewed_) ExtendView(0);
+    if (!sort_.empty()) std::stable_sort(view_.begin(), view_.end(), order);
+    current_ = -1;
+    if (row >= 0) {
+        const auto at = std::find(view_.begin(), view_.end(), row);
+        current_ = !viewed_ ? row : at == view_.end() ? -1 : at - view_.begin();
+    }
+    if (current_ < 0 && FetchTo(1) > 0) current_ = 0;
+    bof_ = current_ <= 0;
+    eof_ = current_ < 0;
+}
+
+void TDataSet::ExtendView(int64_t from) {
+    for (int64_t row = from; row < rows_->Count(); ++row)
+        if (!filtered_ || Accepts(row)) view_.push_back(row);
+}
+
+Cell TDataSet::CalculatedCell(int64_t row, const TField& field) {
+    if (!calculating_ && calculatedRow_ != row) Calculate(row);
+    for (const auto& [each, cell] : calculated_)
+        if (each == &field) return cell;
+    return Cell();
+}
+
+void TDataSet::Calculate(int64_t row) {
+    calculating_ = true;
+    calculated_.clear();
+    try {
+        const RowInFocus focus(*this, row, dsCalcFields);
+        for (const TField* field : fields_) {
+            if (field->FieldKind() != fkLookup || !field->LookupDataSet() || !field->LookupDataSet()->Active()) continue;
+            std::vector<Variant> values;
+            for (const AnsiString& name : data_set_search_detail::SplitNames(field->KeyFields, ';'))
+                values.push_back(FieldByName(name)->Value());
+            const Variant found =
+                field->LookupDataSet()->Lookup(field->LookupKeyFields, values, field->LookupResultField);
+            calculated_.emplace_back(field, CellOf(found, field->DataType()));
+        }
+        OnCalcFields(this);
+    } catch (...) {
+        calculating_ = false;
+        calculatedRow_ = -1;
+        throw;
+    }
+    calculating_ = false;
+    calculatedRow_ = row;
+}
+
+}  // namespace vyn

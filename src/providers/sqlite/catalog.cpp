@@ -1,0 +1,120 @@
+#include <algorithm>
+
+#include "platform/text/compare.h"
+#include "platform/text/windows1252.h"
+#include "providers/sqlite/connection.h"
+
+// What the engine knows of tables.
+namespace vyn::sqlite_provider {
+
+namespace catalog_detail {
+
+struct Finalize {
+    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+};
+
+// A question of the catalog; its parameters are texts in UTF-8.
+class Question {
+  public:
+    Question(sqlite3* database, const char* sql, const std::vector<std::string>& texts) : database_(database) {
+        sqlite3_stmt* prepared = nullptr;
+        if (sqlite3_prepare_v2(database, sql, -1, &prepared, nullptr) != SQLITE_OK)
+            Raise(database, "The catalog cannot be read");
+        statement_.reset(prepared);
+        for (size_t i = 0; i < texts.size(); ++i)
+            sqlite3_bind_text64(prepared, static_cast<int>(i) + 1, texts[i].data(), texts[i].size(), SQLITE_TRANSIENT,
+                                SQLITE_UTF8);
+    }
+    bool Next() {
+        const int result = sqlite3_step(statement_.get());
+        if (result != SQLITE_ROW && result != SQLITE_DONE) Raise(database_, "The catalog cannot be read");
+        return result == SQLITE_ROW;
+    }
+    std::string Text(int column) const {
+        const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement_.get(), column));
+        return text ? text : "";
+    }
+    int Integer(int column) const { return sqlite3_column_int(statement_.get(), column); }
+    bool IsNull(int column) const { return sqlite3_column_type(statement_.get(), column) == SQLITE_NULL; }
+
+  private:
+    sqlite3* database_;
+    std::unique_ptr<sqlite3_stmt, Finalize> statement_;
+};
+
+// A table's columns stand computed in it with these marks.
+constexpr int kVirtualColumn = 2;
+constexpr int kStoredColumn = 3;
+
+}  // namespace catalog_detail
+
+std::vector<ColumnDescription> DescribeTable(sqlite3* database, const std::string& table) {
+    using namespace catalog_detail;
+    Question question(database,
+                      "SELECT name, type, \"notnull\", dflt_value, pk, hidden FROM pragma_table_xinfo(?) ORDER BY cid",
+                      {table});
+    std::vector<ColumnDescription> columns;
+    std::vector<size_t> keys;
+    bool integerKey = false;
+    while (question.Next()) {
+        ColumnDescription column;
+        column.Name = question.Text(0);
+        column.InKey = question.Integer(4) > 0;
+        column.Automatic = !question.IsNull(3) && !SameText(question.Text(3), "NULL");
+        column.Computed = question.Integer(5) == kVirtualColumn || question.Integer(5) == kStoredColumn;
+        column.Required = question.Integer(2) != 0;
+        if (column.InKey) {
+            keys.push_back(columns.size());
+            integerKey = SameText(question.Text(1), "INTEGER");
+        }
+        columns.push_back(std::move(column));
+    }
+    // A key of one INTEGER column is the row's own number: the engine gives it.
+    if (keys.size() == 1 && integerKey) {
+        ColumnDescription& key = columns[keys[0]];
+        int counts = 0;
+        sqlite3_table_column_metadata(database, nullptr, table.c_str(), key.Name.c_str(), nullptr, nullptr, nullptr,
+                                      nullptr, &counts);
+        key.Automatic = true;
+        key.Counts = counts != 0;
+    }
+    for (ColumnDescription& column : columns) column.Required = column.Required && !column.Automatic;
+    return columns;
+}
+
+std::vector<AnsiString> ListTables(sqlite3* database, SystemTables system) {
+    catalog_detail::Question question(database,
+                                      "SELECT name FROM (SELECT name, type FROM sqlite_master UNION SELECT name, type "
+                                      "FROM sqlite_temp_master UNION SELECT 'sqlite_master', 'table') "
+                                      "WHERE type IN ('table', 'view') ORDER BY name",
+                                      {});
+    std::vector<AnsiString> names;
+    while (question.Next()) {
+        const std::string name = question.Text(0);
+        const bool isSystem = SameText(name.substr(0, 7), "sqlite_");
+        if (!isSystem || system == SystemTables::Include) names.push_back(Utf8ToAnsiLossy(name));
+    }
+    return names;
+}
+
+std::vector<AnsiString> ListKeyColumns(sqlite3* database, const AnsiString& table) {
+    catalog_detail::Question question(
+        database, "SELECT name FROM pragma_table_xinfo(?) WHERE pk > 0 ORDER BY pk", {AnsiToUtf8(table)});
+    std::vector<AnsiString> names;
+    while (question.Next()) names.push_back(Utf8ToAnsiLossy(question.Text(0)));
+    return names;
+}
+
+std::vector<AnsiString> ListIndexColumns(sqlite3* database, const AnsiString& table, const AnsiString& index) {
+    catalog_detail::Question question(database,
+                                      "SELECT i.name FROM pragma_index_list(?) AS l, pragma_index_info(l.name) AS i "
+                                      "WHERE l.name = ? COLLATE NOCASE ORDER BY i.seqno",
+                                      {AnsiToUtf8(table), AnsiToUtf8(index)});
+    std::vector<AnsiString> names;
+    while (question.Next()) names.push_back(Utf8ToAnsiLossy(question.Text(0)));
+    // The primary key goes by this name, whether or not it has an index.
+    if (names.empty() && SameText(index, "PrimaryKey")) return ListKeyColumns(database, table);
+    return names;
+}
+
+}  // namespace vyn::sqlite_provider
