@@ -102,8 +102,8 @@ AnsiString TADOTable::CommandText() {
     const EngineDialect& dialect = RequireConnection().Dialect();
     AnsiString conditions, order;
     for (const Pair& pair : Links())
-        conditions += (conditions.empty() ? " WHERE " : " AND ") + dialect.QuotedName(pair.detail) + dialect.SameValue +
-                      "?";
+        conditions +=
+            (conditions.empty() ? " WHERE " : " AND ") + dialect.QuotedName(pair.detail) + dialect.SameValue + "?";
     for (const AnsiString& name : OrderFields())
         order += (order.empty() ? " ORDER BY " : ", ") + dialect.QuotedName(name);
     return "SELECT * FROM " + dialect.QuotedName(tableName_) + conditions + order;
@@ -115,8 +115,8 @@ std::vector<ProviderValue> TADOTable::ParameterValues(const EngineSql&, int) {
         const TFieldType type = pair.master->DataType();
         const bool isText = ColumnKindOf(type) == ColumnKind::Text && !pair.master->IsNull();
         // Texts go as they are stored.
-        values.push_back({type, isText ? Cell::Bytes(std::string(pair.master->RawBytes()))
-                                       : CellOf(pair.master->Value(), type)});
+        values.push_back(
+            {type, isText ? Cell::Bytes(std::string(pair.master->RawBytes())) : CellOf(pair.master->Value(), type)});
     }
     shownFor_ = values;
     return values;

@@ -70,7 +70,7 @@ class Translator {
     struct Open {
         size_t select = 0;
         size_t beforeTop = 0;  // the token that TOP stood behind
-        AnsiString limit;  // rows, when there is one
+        AnsiString limit;      // rows, when there is one
         bool inCompound = false;
         bool isSelect = false;
     };
@@ -172,7 +172,7 @@ class Translator {
     void End(Open& now, size_t last) {
         if (now.limit.empty()) return;
         if (dialect_.Limit == EngineDialect::RowLimit::TopAtBeginning) {
-            pieces_[now.beforeTop].after = " TOP " + now.limit + " ";
+            pieces_[now.beforeTop].after = " TOP " + now.limit;
             now.limit.clear();
             return;
         }

@@ -11,8 +11,8 @@ namespace vyn {
 struct EngineDialect {
     // Where a limit of rows stands.
     enum class RowLimit {
-        LimitAtEnd,    // SELECT ... LIMIT 10
-        FetchAtEnd,    // SELECT ... FETCH FIRST 10 ROWS ONLY
+        LimitAtEnd,     // SELECT ... LIMIT 10
+        FetchAtEnd,     // SELECT ... FETCH FIRST 10 ROWS ONLY
         TopAtBeginning  // SELECT TOP 10 ...
     };
     RowLimit Limit = RowLimit::LimitAtEnd;

@@ -9,15 +9,15 @@ namespace vyn {
 
 enum class SqlTokenKind {
     Blank,
-    Comment,    // -- to the end of its line, /* to */
+    Comment,     // -- to the end of its line, /* to */
     Identifier,  // a keyword or a name
-    Number,     //
-    Quoted,     // in ' or ", which are doubled inside
-    Name,       // in [ ] or ` `
-    Date,       // #...# around a date, a time or both
-    Parameter,  // :name, :"name"
-    Colons,     // ::
-    Symbol,     // one character
+    Number,      //
+    Quoted,      // in ' or ", which are doubled inside
+    Name,        // in [ ] or ` `
+    Date,        // #...# around a date, a time or both
+    Parameter,   // :name, :"name"
+    Colons,      // ::
+    Symbol,      // one character
 };
 
 // A piece of a statement; a view into its text.

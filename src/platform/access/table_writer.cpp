@@ -36,7 +36,9 @@ class WritingTransaction {
     bool done_ = false;
 };
 
-AnsiString Shown(const Variant& value) { return value.IsNull() ? AnsiString("nothing") : "\"" + VarToStr(value) + "\""; }
+AnsiString Shown(const Variant& value) {
+    return value.IsNull() ? AnsiString("nothing") : "\"" + VarToStr(value) + "\"";
+}
 
 }  // namespace table_writer_detail
 
@@ -59,8 +61,7 @@ AnsiString TableWriter::FindReason(const QueryShape& shape) {
     table_ = *tables.begin();
     // Behind a view may stand a join or a union, whose records come from elsewhere too.
     if (!AnsiSameText(shape.Source, table_))
-        return (shape.Source.empty() ? AnsiString("This query reads another query")
-                                     : shape.Source + " is no table") +
+        return (shape.Source.empty() ? AnsiString("This query reads another query") : shape.Source + " is no table") +
                kCannotBeChanged;
     const std::vector<AnsiString> keys = connection_.KeyColumns(table_);
     if (keys.empty()) return "The table " + table_ + " has no primary key" + kCannotBeChanged;
@@ -178,8 +179,7 @@ void TableWriter::Update(const Record& original, Record& record) {
         if (!Reread(original, theirs)) RaiseConflict(original, &record, nullptr, changed);
         const bool same = std::all_of(changed.begin(), changed.end(),
                                       [&](size_t column) { return theirs[column] == original[column]; });
-        if (!same || !UpdateWhere(original, record, changed, {}))
-            RaiseConflict(original, &record, &theirs, changed);
+        if (!same || !UpdateWhere(original, record, changed, {})) RaiseConflict(original, &record, &theirs, changed);
     }
     transaction.Commit();
 }
@@ -208,9 +208,8 @@ void TableWriter::RaiseConflict(const Record& original, const Record* mine, cons
                                 const std::vector<size_t>& changed) const {
     using table_writer_detail::Shown;
     std::vector<EUpdateConflict::Value> values;
-    AnsiString message =
-        theirs ? "Another user has changed this record of " + table_ + " since it was read."
-               : "Another user has deleted this record of " + table_ + " since it was read.";
+    AnsiString message = theirs ? "Another user has changed this record of " + table_ + " since it was read."
+                                : "Another user has deleted this record of " + table_ + " since it was read.";
     for (size_t column : OurColumns()) {
         const TFieldType type = columns_[column].DataType;
         EUpdateConflict::Value value;

@@ -174,8 +174,8 @@ void TDataSet::Refresh() {
 }
 
 void TDataSet::BindFields() {
-    const bool hasStored = std::any_of(fields_.begin(), fields_.end(),
-                                       [](const TField* field) { return field->FieldKind() == fkData; });
+    const bool hasStored =
+        std::any_of(fields_.begin(), fields_.end(), [](const TField* field) { return field->FieldKind() == fkData; });
     // Fields of the form stay; without any, the result's columns make the fields, before the form's calculated ones.
     if (!hasStored) {
         const std::vector<TField*> others = fields_;

@@ -247,7 +247,8 @@ void TDataSet::Calculate(int64_t row) {
     try {
         const RowInFocus focus(*this, row, dsCalcFields);
         for (const TField* field : fields_) {
-            if (field->FieldKind() != fkLookup || !field->LookupDataSet() || !field->LookupDataSet()->Active()) continue;
+            if (field->FieldKind() != fkLookup || !field->LookupDataSet() || !field->LookupDataSet()->Active())
+                continue;
             std::vector<Variant> values;
             for (const AnsiString& name : data_set_search_detail::SplitNames(field->KeyFields, ';'))
                 values.push_back(FieldByName(name)->Value());

@@ -8,15 +8,15 @@
 namespace vyn {
 
 const ClassInfo& TStringField::StaticClass() {
-    static const ClassInfo info = DefineClass<TStringField, TField>("TStringField")
-                                      .Published("EditMask", &TField::EditMask, &TField::SetEditMask)
-                                      .Published("FixedChar", &TStringField::FixedChar, &TStringField::FixedChar)
-                                      .Default(false)
-                                      .Published("Size", &TField::Size, &TField::SetSize)
-                                      .Default(kUsualSize)
-                                      .Published("Transliterate", &TStringField::Transliterate,
-                                                 &TStringField::Transliterate)
-                                      .Default(true);
+    static const ClassInfo info =
+        DefineClass<TStringField, TField>("TStringField")
+            .Published("EditMask", &TField::EditMask, &TField::SetEditMask)
+            .Published("FixedChar", &TStringField::FixedChar, &TStringField::FixedChar)
+            .Default(false)
+            .Published("Size", &TField::Size, &TField::SetSize)
+            .Default(kUsualSize)
+            .Published("Transliterate", &TStringField::Transliterate, &TStringField::Transliterate)
+            .Default(true);
     return info;
 }
 
@@ -174,11 +174,12 @@ const ClassInfo& TBlobField::StaticClass() {
 }
 
 const ClassInfo& TMemoField::StaticClass() {
-    static const ClassInfo info = DefineClass<TMemoField, TBlobField>("TMemoField")
-                                      .Published("BlobType", &TBlobField::BlobType, &TBlobField::SetBlobType)
-                                      .Default(ftMemo)
-                                      .Published("Transliterate", &TMemoField::Transliterate, &TMemoField::Transliterate)
-                                      .Default(true);
+    static const ClassInfo info =
+        DefineClass<TMemoField, TBlobField>("TMemoField")
+            .Published("BlobType", &TBlobField::BlobType, &TBlobField::SetBlobType)
+            .Default(ftMemo)
+            .Published("Transliterate", &TMemoField::Transliterate, &TMemoField::Transliterate)
+            .Default(true);
     return info;
 }
 

@@ -15,9 +15,8 @@ constexpr unsigned char kContinuationMask = 0xC0;
 constexpr unsigned char kContinuation = 0x80;
 
 int64_t CharactersOf(std::string_view utf8) {
-    return std::count_if(utf8.begin(), utf8.end(), [](char c) {
-        return (static_cast<unsigned char>(c) & kContinuationMask) != kContinuation;
-    });
+    return std::count_if(utf8.begin(), utf8.end(),
+                         [](char c) { return (static_cast<unsigned char>(c) & kContinuationMask) != kContinuation; });
 }
 
 [[noreturn]] void RaiseNotValid(const AnsiString& text, const char* kind, const AnsiString& field) {
@@ -77,8 +76,8 @@ void TField::SetValue(const Variant& value) {
         return;
     }
     // Whole numbers are checked by the field, whose message names it and its range.
-    const bool whole = IsNumeric() && dataType_ != ftCurrency && dataType_ != ftBCD &&
-                       ColumnKindOf(dataType_) == ColumnKind::Integer;
+    const bool whole =
+        IsNumeric() && dataType_ != ftCurrency && dataType_ != ftBCD && ColumnKindOf(dataType_) == ColumnKind::Integer;
     SetCell(whole ? Cell::Integer(value.AsInt64()) : CellOf(value, dataType_));
 }
 

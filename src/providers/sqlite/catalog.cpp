@@ -98,8 +98,8 @@ std::vector<AnsiString> ListTables(sqlite3* database, SystemTables system) {
 }
 
 std::vector<AnsiString> ListKeyColumns(sqlite3* database, const AnsiString& table) {
-    catalog_detail::Question question(
-        database, "SELECT name FROM pragma_table_xinfo(?) WHERE pk > 0 ORDER BY pk", {AnsiToUtf8(table)});
+    catalog_detail::Question question(database, "SELECT name FROM pragma_table_xinfo(?) WHERE pk > 0 ORDER BY pk",
+                                      {AnsiToUtf8(table)});
     std::vector<AnsiString> names;
     while (question.Next()) names.push_back(Utf8ToAnsiLossy(question.Text(0)));
     return names;

@@ -68,9 +68,7 @@ class SqliteConnection final : public ProviderConnection {
     }
 
     // A statement may have begun or ended a transaction by itself.
-    int TransactionDepth() const override {
-        return sqlite3_get_autocommit(database_.get()) ? 0 : std::max(depth_, 1);
-    }
+    int TransactionDepth() const override { return sqlite3_get_autocommit(database_.get()) ? 0 : std::max(depth_, 1); }
     int Begin() override {
         depth_ = TransactionDepth();
         // The outermost takes the right to write at once, so that no later statement fails for the want of it.

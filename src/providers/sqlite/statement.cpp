@@ -118,9 +118,9 @@ class SqliteStatement final : public ProviderStatement {
         DecodeTime(days, hour, minute, second, millisecond);
         const bool atMidnight = hour == 0 && minute == 0 && second == 0 && millisecond == 0;
         const EngineDialect& dialect = Dialect();
-        const AnsiString& mask = type == ftTime                                     ? dialect.TimeMask
+        const AnsiString& mask = type == ftTime                                                  ? dialect.TimeMask
                                  : type == ftDate || (atMidnight && dialect.MidnightIsDateAlone) ? dialect.DateMask
-                                                                                    : dialect.DateTimeMask;
+                                                                                                 : dialect.DateTimeMask;
         const bool fraction = type != ftDate && millisecond != 0;
         return FormatDateTime(fraction ? mask + ".zzz" : mask, days, InvariantFormatSettings());
     }
