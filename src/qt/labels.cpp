@@ -1,6 +1,7 @@
 #include <QPainter>
 #include <QStyle>
 #include <QStyleOption>
+#include <algorithm>
 
 #include "platform/controls/labels.h"
 #include "qt/factory.h"
@@ -44,6 +45,16 @@ class LabelPeer final : public LightPeerOf<TCustomLabel> {
         flags |= label.ShowAccelChar() ? Qt::TextShowMnemonic : 0;
         surface.style.drawItemText(&surface.painter, surface.rect, flags, surface.palette, surface.enabled, text_,
                                    QPalette::WindowText);
+    }
+    bool StaysInside(const QFontMetrics& metrics) const override {
+        if (!plain_ || Self().WordWrap() || metrics.height() > Self().Height()) return false;
+        // Letters may reach a little over their places, which shows at the edge that the text stands at.
+        if (Self().Alignment() != taLeftJustify || text_.isEmpty() || metrics.leftBearing(text_.front()) < 0)
+            return text_.isEmpty();
+        // Characters by themselves: shaping the whole text would cost as much as drawing it.
+        int left = Self().Width() + std::min(metrics.rightBearing(text_.back()), 0);
+        for (const QChar each : text_) left -= metrics.horizontalAdvance(each);
+        return left >= 0;
     }
     void TakeState() override {
         text_ = ToQt(Self().GetLabelText());
@@ -112,6 +123,7 @@ class BevelPeer final : public LightPeerOf<TBevel> {
     bool TakesMouse() const override { return false; }
 
   protected:
+    bool StaysInside(const QFontMetrics&) const override { return true; }
     void PaintOn(const Surface& surface) override {
         QPainter& painter = surface.painter;
         const QRect& rect = surface.rect;

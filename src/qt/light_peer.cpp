@@ -25,7 +25,10 @@ void ForEachLight(const TControl& parent, Visit visit) {
 }  // namespace light_detail
 
 LightPeer::~LightPeer() {
-    if (QWidget* host = widget_ ? nullptr : Host()) host->update(shown_);
+    // What goes with its parent leaves nothing to draw.
+    const TWinControl* parent = Control().Parent();
+    if (widget_ || !parent || parent->HasState(csDestroying)) return;
+    if (QWidget* host = Host()) host->update(shown_);
 }
 
 QWidget* LightPeer::Host() const {
@@ -146,9 +149,12 @@ void LightPeer::Paint(QPainter& painter) {
 void LightPeer::PaintLight(QPainter& painter, const QWidget& host) {
     const TControl& control = Control();
     const bool ownFont = !SameGlyphs(control.EffectiveFont(), control.Parent()->EffectiveFont());
-    painter.save();
-    painter.setFont(ownFont ? ToQFont(control.EffectiveFont()) : host.font());
-    painter.setClipRect(light_detail::BoundsOf(control), Qt::IntersectClip);
+    if (ownFont) painter.setFont(ToQFont(control.EffectiveFont()));
+    const bool clipped = !StaysInside(painter.fontMetrics());
+    if (clipped) {
+        painter.save();
+        painter.setClipRect(light_detail::BoundsOf(control), Qt::IntersectClip);
+    }
     painter.translate(control.Left(), control.Top());
     const QRect rect(0, 0, control.Width(), control.Height());
     const bool enabled = host.isEnabled() && control.Enabled();
@@ -159,7 +165,9 @@ void LightPeer::PaintLight(QPainter& painter, const QWidget& host) {
         palette.setCurrentColorGroup(QPalette::Disabled);
         PaintOn({painter, rect, *host.style(), palette, enabled});
     }
-    painter.restore();
+    painter.translate(-control.Left(), -control.Top());
+    if (clipped) painter.restore();
+    if (ownFont) painter.setFont(host.font());
 }
 
 void WidgetPeer::PaintLights(QWidget& client, const QRegion& exposed) {

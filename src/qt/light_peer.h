@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QFontMetrics>
 #include <QPainter>
 #include <QPalette>
 #include <QStyle>
@@ -35,6 +36,8 @@ class LightPeer : public WidgetPeer {
         bool enabled;
     };
     virtual void PaintOn(const Surface& surface) = 0;
+    // Whether what is drawn stays inside the control's bounds by itself. Bounding it costs more than a short text does.
+    virtual bool StaysInside(const QFontMetrics& metrics) const { return false; }
     // Takes over from the control what is drawn.
     virtual void TakeState() {}
     QWidget* MakeWidget(QWidget* parent) override;

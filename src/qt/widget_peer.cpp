@@ -36,6 +36,14 @@ WidgetPeer::~WidgetPeer() {
     if (QWidget* widget = std::exchange(widget_, nullptr)) DisposeWidget(widget);
 }
 
+void WidgetPeer::WindowGoes() {
+    if (!widget_ || !widget_->isWindow()) return;
+    // Hidden without a word to the control, as when the widget is deleted.
+    for (PeerLink* link = links_; link; link = link->next_) link->peer_ = nullptr;
+    widget_->hide();
+    for (PeerLink* link = links_; link; link = link->next_) link->peer_ = this;
+}
+
 PeerLink::PeerLink(WidgetPeer* peer) : peer_(peer), next_(peer->links_) { peer->links_ = this; }
 
 PeerLink::~PeerLink() {

@@ -158,6 +158,7 @@ class WidgetPeer : public ControlPeer {
     void Changed(PeerChange what) override;
     bool ClientOrigin(TPoint& origin) const override;
     void* NativeHandle() override { return widget_; }
+    void WindowGoes() override;
 
     // Events from the widget (or one of its parts); true: taken. `native` passes the event to the widget itself.
     using NativeCall = std::function<bool(QEvent*)>;

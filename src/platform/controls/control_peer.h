@@ -54,6 +54,8 @@ class ControlPeer {
     virtual bool ClientOrigin(TPoint& origin) const { return false; }
     // The size that the native widget would like; {0, 0} leaves it to the control.
     virtual TSize PreferredSize() const { return {}; }
+    // A form's window goes, and the peers inside it after this: the time to take it from the screen in one piece.
+    virtual void WindowGoes() {}
     // The toolkit's own object.
     virtual void* NativeHandle() { return nullptr; }
 };

@@ -223,7 +223,10 @@ void TCustomForm::CreatePeer() {
     TScrollingWinControl::CreatePeer();
 }
 
-void TCustomForm::DestroyPeer() { TScrollingWinControl::DestroyPeer(); }
+void TCustomForm::DestroyPeer() {
+    if (Peer()) Peer()->WindowGoes();
+    TScrollingWinControl::DestroyPeer();
+}
 
 void TCustomForm::WndProc(TMessage& message) {
     if (message.Msg == WM_CLOSE) {

@@ -111,6 +111,7 @@ TCustomForm::~TCustomForm() {
     ComponentState.Include(csDestroying);
     if (Screen()->ActiveForm() == this) Screen()->SetActiveControl(nullptr);
     Screen()->RemoveForm(this);
+    if (Peer()) Peer()->WindowGoes();
     DestroyContents();
 }
 
