@@ -102,7 +102,13 @@ class TreeReader {
         object.Classe = reader_.ReadNameView();
         object.Name = reader_.ReadNameView();
         ReadProperties(object.Propietats);
-        while (!reader_.EndOfList()) ReadObject(object.Fills.emplace_back());
+        while (!reader_.EndOfList()) {
+            TRecursosObjecte& child = object.Fills.emplace_back();
+            ReadObject(child);
+            // Without its prefix, as it would be stored again, it would be the end of the list.
+            if (child.Classe.empty())
+                reader_.Error("Stream read error: an object inside " + object.Name + " has no class");
+        }
         reader_.ReadListEnd();
     }
 

@@ -168,6 +168,9 @@ TEST(ResourceTree, NestingIsBounded) {
 }
 
 TEST(ResourceTree, AnUnknownValueTypeIsRefused) {
+    // A child that could not be told from the end of the list when it is stored again.
+    EXPECT_EQ(MessageOf([] { Read(std::string("TPF0\x01T\x01N\0\xF0\0\0\0\0\0", 15)); }),
+              "EReadError: Stream read error: an object inside N has no class (memory, position 14)");
     EXPECT_EQ(MessageOf([] { Read(std::string("TPF0\x01T\x01N\x01P\x14", 11)); }),
               "Exception: Error, llegida un tipus de propietat invalida!");
     TRecursosObjecte tree = Object("N", "T", {Prop("P", vaInt8, "1")});
