@@ -155,7 +155,8 @@ AnsiString TDataBaseVyn::DoConvertToSqlString(TFieldType valueType, const Varian
             return IntToStr(value.AsInteger());
         case ftFloat:
         case ftCurrency: {
-            TFormatSettings settings = InvariantFormatSettings();
+            // One copy for all: the mask asks for nothing else, and copying takes longer than formatting.
+            static TFormatSettings settings = InvariantFormatSettings();
             settings.DecimalSeparator = SQLDecimalSeparator;
             return FormatFloat(database_detail::kNumberMask, value.AsDouble(), settings);
         }

@@ -10,6 +10,7 @@
 #include "platform/streams/stream.h"
 #include "platform/streams/text_form.h"
 #include "platform/streams/writer.h"
+#include "query/Uquerysql.h"
 
 using namespace vyn;
 using format_pages::Page;
@@ -168,5 +169,23 @@ TEST(FormatPages, TheQueryDictionaryIsReadAndWrittenBack) {
     dict.Delete(2);
     TMemoryStream written;
     dict.SaveToStream(&written);
+    EXPECT_EQ(written.Bytes(), bytes);
+}
+
+TEST(FormatPages, TheFieldsOfAQueryAreReadAndWrittenBack) {
+    const std::string bytes = Page("query-fields.md").ExampleBytes();
+    TViewStream stream(bytes);
+    TReader reader(stream);
+    TQuerySQL query(nullptr);
+    query.FieldsSQL()->LoadFromReader(&reader);
+    EXPECT_EQ(reader.BytesLeft(), 0);
+    ASSERT_EQ(query.Count(), 2);
+    EXPECT_EQ(query.GetFieldSQL(0), (TFieldsSQLRec{"ID", "C.ID", "", "C.ID", "#,0", "", 1, "Codi", false}));
+    EXPECT_EQ(query.GetFieldSQL(1), (TFieldsSQLRec{"TOTAL", "SUM(X, 1)", "", "TOTAL", "", "", 0, "", false}));
+    TMemoryStream written;
+    {
+        TWriter writer(written);
+        query.FieldsSQL()->WriteToWriter(&writer);
+    }
     EXPECT_EQ(written.Bytes(), bytes);
 }
