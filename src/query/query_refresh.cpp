@@ -152,6 +152,7 @@ void TQuerySQL::PutFieldsFormats() {
         if (!field) continue;
         if (refresh_detail::TakesDisplayFormat(field->DataType()))
             field->SetDisplayFormat(AnalitzaFrase(record.FieldFormat));
+        field->SetEditMask(AnalitzaFrase(record.FieldEditMask));
         refresh_detail::Align(*field, record.FieldAlignment);
         // The label: what stands over the field's column and beside its edit box.
         field->SetDisplayLabel(AnalitzaFrase(record.FieldDisplayText));
@@ -176,6 +177,7 @@ void TQuerySQL::Relocate(const Variant& wanted) {
     if (!dataSet_->Active()) return;
     const TField* field = dataSet_->FindField(CampMestreSQL);
     if (!field || VarSameValue(field->Value(), wanted)) return;
+    dataSet_->Locate(CampMestreSQL, wanted);
 }
 
 void TQuerySQL::InternalRefresh() {
