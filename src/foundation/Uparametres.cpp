@@ -53,11 +53,21 @@ const ClassInfo& TParametres::StaticClass() {
     return info;
 }
 
+uint64_t TParametres::bindingVersion_ = 0;
+
 TParametres::TParametres(TComponent* owner) : TComponent(owner) {}
 
-TParametres::~TParametres() { BeginDestruction(); }
+TParametres::~TParametres() {
+    ChangeBindings();
+    BeginDestruction();
+}
 
-int TParametres::FindParam(const AnsiString& name) const {
+bool TParametres::FollowersWatchReads() const {
+    return std::any_of(children_.begin(), children_.end(),
+                       [](const TParametresChild* child) { return static_cast<bool>(child->OnGetValorPRM); });
+}
+
+int TParametres::FindParam(std::string_view name) const {
     const uint32_t at = index_.Find(name);
     return at == NameIndex::NotFound ? -1 : static_cast<int>(at);
 }
@@ -118,6 +128,7 @@ void TParametres::AddParam(const AnsiString& name, const Variant& value) {
         data.Name = name;
         data.Value = Variant::Null();
         index_.Insert(name, static_cast<uint32_t>(index));
+        ChangeBindings();
     }
     SetValue(index, value);
 }
@@ -135,6 +146,7 @@ void TParametres::SetValue(int index, const Variant& value) {
     if (now < 0) return;  // a handler deleted it
     TParametresData& data = parameters_[static_cast<size_t>(now)];
     data.LastValue = data.Value;
+    if (data.Value.Type() != newValue.Type()) ChangeBindings();
     data.Value = newValue;
     DoOnSetValorPRM(name, newValue);
 }
@@ -159,9 +171,11 @@ void TParametres::DeleteParam(const AnsiString& name) {
     if (index < 0) throw EParametresError("Parametre \"" + name + "\" not found ");
     parameters_.erase(parameters_.begin() + index);
     Reindex();
+    ChangeBindings();
 }
 
 void TParametres::Clear() {
+    ChangeBindings();
     parameters_.clear();
     index_.Clear();
 }
@@ -196,6 +210,7 @@ void TParametres::SetParamsProps(int index, const TParametresData& data) {
         throw EParametresError(
             "Error a SetParamsProps : Intentant colocar un parametre en una posició que no és la seva."_w);
     parameters_[static_cast<size_t>(index)] = data;
+    ChangeBindings();
 }
 
 Variant TParametres::InternalRead(const AnsiString& name, const Variant& otherwise) {
@@ -241,7 +256,10 @@ TDateTime TParametres::AsDateTime(const AnsiString& name, TDateTime otherwise) {
 }
 
 double TParametres::AsFloat(const AnsiString& name, const Variant& otherwise) {
-    const Variant value = InternalRead(name, otherwise);
+    return FloatOf(InternalRead(name, otherwise));
+}
+
+double TParametres::FloatOf(const Variant& value) {
     switch (value.Type()) {
         case varSmallint:
         case varInteger:

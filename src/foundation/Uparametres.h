@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string_view>
 #include <vector>
 
 #include "foundation/parametres_followers.h"
@@ -53,8 +54,8 @@ class TParametres : public TComponent {
     ~TParametres() override;
 
     // Look-ups.
-    int FindParam(const AnsiString& name) const;
-    bool ParamExists(const AnsiString& name) const { return FindParam(name) >= 0; }
+    int FindParam(std::string_view name) const;
+    bool ParamExists(std::string_view name) const { return FindParam(name) >= 0; }
     int Count(bool onlyWritables) const;
     std::unique_ptr<TStringList> GetParametresNames() const;
 
@@ -74,6 +75,15 @@ class TParametres : public TComponent {
     void SetWritable(const AnsiString& name, bool value);
     // Names that do not exist are passed over.
     void Writables(const std::vector<AnsiString>& names, bool value);
+
+    // Reading by the ten thousand, for those who would look the same names up each time. As long as the binding version
+    // stays, names mean the same parameters in the same lists, and stored values stay in their places and of their
+    // types. Reading in place is the same as reading by name as long as nobody watches the reads.
+    static uint64_t BindingVersion() noexcept { return bindingVersion_; }
+    const Variant& StoredValue(int index) const { return parameters_[static_cast<size_t>(index)].Value; }
+    bool ReadsAreWatched() const { return OnGetValorPRM || (!children_.empty() && FollowersWatchReads()); }
+    // A value as AsDouble reads it.
+    static double FloatOf(const Variant& value);
 
     TParametresData GetParamsProps(int index) const;
     void SetParamsProps(int index, const TParametresData& data);
@@ -122,6 +132,9 @@ class TParametres : public TComponent {
     bool SaveParametres = false;
 
   private:
+    friend class TParametresList;
+    static void ChangeBindings() noexcept { ++bindingVersion_; }
+    bool FollowersWatchReads() const;
     void ValidName(const AnsiString& name) const;
     void CheckExists(int index, const AnsiString& name) const;
     void Reindex();
@@ -131,6 +144,7 @@ class TParametres : public TComponent {
     friend class TParametresChild;
     std::pair<uint64_t, TParametresChild*> FollowerAfter(uint64_t place, const AnsiString& name) const;
 
+    static uint64_t bindingVersion_;
     std::vector<TParametresChild*> children_;
     NamedFollowers namedFollowers_;
     uint64_t lastPlace_ = 0;  // of the last follower that came
@@ -181,6 +195,7 @@ class TParametresList : public TComponent {
     VYN_OBJECT
   public:
     explicit TParametresList(TComponent* owner) : TComponent(owner) {}
+    ~TParametresList() override;
 
     // A set stands in the list once only.
     void Add(TParametres* params);
@@ -189,7 +204,9 @@ class TParametresList : public TComponent {
     void Delete(int index);
     int IndexOfParametre(const TParametres* params) const;
     // The first set that holds the name, or null.
-    TParametres* ParamByName(const AnsiString& name) const;
+    TParametres* ParamByName(std::string_view name) const;
+    // The same, with its place in that set.
+    TParametres* ParamByName(std::string_view name, int& index) const;
     // Applies each set's FormatText in turn.
     AnsiString FormatText(const AnsiString& text) const;
     void Notification(TComponent* component, TOperation operation) override;

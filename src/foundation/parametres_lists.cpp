@@ -50,6 +50,11 @@ const ClassInfo& TParametresList::StaticClass() {
     return info;
 }
 
+TParametresList::~TParametresList() {
+    TParametres::ChangeBindings();
+    BeginDestruction();
+}
+
 void TParametresList::Error(const AnsiString& message) { throw EParametresError(message); }
 
 void TParametresList::Add(TParametres* params) {
@@ -59,6 +64,7 @@ void TParametresList::Add(TParametres* params) {
         Error("Params with ID: " + params->Name() + " (" + IntToHex(address, 8) + ")");
     }
     list_.push_back(params);
+    TParametres::ChangeBindings();
     params->FreeNotification(this);
 }
 
@@ -70,6 +76,7 @@ TParametres* TParametresList::GetParams(int index) const {
 void TParametresList::Delete(int index) {
     if (index < 0 || index >= Count()) Error("Index: " + IntToStr(index) + " not found in TParametresList for Delete");
     list_.erase(list_.begin() + index);
+    TParametres::ChangeBindings();
 }
 
 int TParametresList::IndexOfParametre(const TParametres* params) const {
@@ -77,10 +84,15 @@ int TParametresList::IndexOfParametre(const TParametres* params) const {
     return found == list_.end() ? -1 : static_cast<int>(found - list_.begin());
 }
 
-TParametres* TParametresList::ParamByName(const AnsiString& name) const {
+TParametres* TParametresList::ParamByName(std::string_view name, int& index) const {
     for (TParametres* params : list_)
-        if (params->ParamExists(name)) return params;
+        if (index = params->FindParam(name); index >= 0) return params;
     return nullptr;
+}
+
+TParametres* TParametresList::ParamByName(std::string_view name) const {
+    int index = -1;
+    return ParamByName(name, index);
 }
 
 AnsiString TParametresList::FormatText(const AnsiString& text) const {
@@ -91,8 +103,9 @@ AnsiString TParametresList::FormatText(const AnsiString& text) const {
 
 void TParametresList::Notification(TComponent* component, TOperation operation) {
     TComponent::Notification(component, operation);
-    if (operation == opRemove)
-        std::erase_if(list_, [&](TParametres* params) { return static_cast<TComponent*>(params) == component; });
+    if (operation != opRemove) return;
+    std::erase_if(list_, [&](TParametres* params) { return static_cast<TComponent*>(params) == component; });
+    TParametres::ChangeBindings();
 }
 
 }  // namespace vyn

@@ -63,6 +63,9 @@ class Variant {
     bool IsNumeric() const noexcept;  // the integers, byte, boolean, the floating types and currency
     bool IsOrdinal() const noexcept;  // smallint, integer, byte, boolean
     bool IsFloat() const noexcept;    // single, double, currency
+    // The held value itself, or null when another type is held: for reading where it stands.
+    const double* IfDouble() const noexcept { return std::get_if<double>(&value_); }
+    const std::int32_t* IfInteger() const noexcept { return std::get_if<std::int32_t>(&value_); }
     void Clear() noexcept { value_.emplace<std::monostate>(); }
 
     // Doubles and singles with 15 and 7 significant digits, currency with its decimals, booleans as True and False,
