@@ -2,6 +2,7 @@
 
 #include "app/Utvynapp.h"
 #include "foundation/Uparametres.h"
+#include "parser/Uparservyn.h"
 #include "persistence/Uvynclss.h"
 #include "platform/access/ado.h"
 #include "platform/controls/control_classes.h"
@@ -24,6 +25,7 @@ bool& Running() {
 constexpr const ClassInfo& (*kFrameworkClasses[])() = {
     &TVynApp::StaticClass,         &TParametres::StaticClass,  &TParametresChild::StaticClass,
     &TParametresList::StaticClass, &TTreeVynLink::StaticClass, &TQuerySQL::StaticClass,
+    &TParserVyn::StaticClass,
 };
 
 void LinkFrameworkClasses() {
@@ -60,6 +62,7 @@ void InitializePackage() {
     package_detail::RegisterUnlistedClasses();
     InitializeParametres();
     InitializeVynRegisteredClasses();
+    RegistraClasse(TTipusClasse::VynComp, &TParserVyn::StaticClass(), false, TNotifyEvent());
     RegistraClasse(TTipusClasse::VynComp, &TQuerySQL::StaticClass(), false, TNotifyEvent());
     RegistraClasse(TTipusClasse::DataAccess, &TADOQuery::StaticClass(), false, TNotifyEvent());
     RegistraClasse(TTipusClasse::DataAccess, &TADOTable::StaticClass(), false, TNotifyEvent());

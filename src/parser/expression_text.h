@@ -49,8 +49,8 @@ class WordRuns {
     using IsName = std::function<bool(std::string_view word, bool called, bool ask)>;
     WordRuns(std::string_view text, IsName isName) : text_(text), isName_(std::move(isName)) {}
 
-    // The end of the operand that begins here with a letter or "_"; 0 when no reading makes sense. A run without the two
-    // words is one name, known or not. Raises EExpressionTooComplex. Asked from left to right.
+    // The end of the operand that begins here with a letter or "_"; 0 when no reading makes sense. A run without the
+    // two words is one name, known or not. Raises EExpressionTooComplex. Asked from left to right.
     size_t OperandEnd(size_t at);
 
   private:

@@ -125,13 +125,13 @@ struct BuiltIn {
 };
 
 constexpr BuiltIn kOneParam[] = {
-    {"TAN", &One<Tan>},       {"SIN", &One<Sin>},     {"COS", &One<Cos>},       {"SINH", &One<Sinh>},
-    {"COSH", &One<Cosh>},     {"ARCTAN", &One<ArcTan>}, {"COTAN", &One<Cotan>}, {"ARG", &One<Arg>},
-    {"EXP", &One<Exp>},       {"LN", &One<Ln>},       {"LOG10", &One<Log10>},   {"LOG2", &One<Log2>},
-    {"SQR", &One<Sqr>},       {"SQRT", &One<Sqrt>},   {"ABS", &One<Abs>},       {"TRUNC", &One<Trunc>},
-    {"INT", &One<Trunc>},     {"CEIL", &One<Ceil>},   {"FLOOR", &One<Floor>},   {"ROUND", &One<Round>},
-    {"HEAV", &One<Heaviside>}, {"SIGN", &One<Sign>},  {"ZERO", &One<Zero>},     {"PH", &One<Arg>},
-    {"RND", &One<Rnd>},       {"RANDOM", &One<Random>},
+    {"TAN", &One<Tan>},        {"SIN", &One<Sin>},       {"COS", &One<Cos>},     {"SINH", &One<Sinh>},
+    {"COSH", &One<Cosh>},      {"ARCTAN", &One<ArcTan>}, {"COTAN", &One<Cotan>}, {"ARG", &One<Arg>},
+    {"EXP", &One<Exp>},        {"LN", &One<Ln>},         {"LOG10", &One<Log10>}, {"LOG2", &One<Log2>},
+    {"SQR", &One<Sqr>},        {"SQRT", &One<Sqrt>},     {"ABS", &One<Abs>},     {"TRUNC", &One<Trunc>},
+    {"INT", &One<Trunc>},      {"CEIL", &One<Ceil>},     {"FLOOR", &One<Floor>}, {"ROUND", &One<Round>},
+    {"HEAV", &One<Heaviside>}, {"SIGN", &One<Sign>},     {"ZERO", &One<Zero>},   {"PH", &One<Arg>},
+    {"RND", &One<Rnd>},        {"RANDOM", &One<Random>},
 };
 constexpr BuiltIn kTwoParam[] = {
     {"MAX", &Two<Max>},

@@ -63,9 +63,9 @@ double Power(double base, double exponent) {
 TMathRoutine RoutineOf(TOperationCode code) {
     using namespace operations_detail;
     static constexpr TMathRoutine kRoutines[OperationCodeCount] = {
-        &Nothing,       &Nothing, &Negate,        &Add,        &Subtract,           &Multiply,
-        &DivideRoutine, &Modulo,  &IntegerDivide, &IntegerPowerRoutine, &PowerRoutine, &Square,
-        &Cube,          &FourthRoutine, nullptr};
+        &Nothing,      &Nothing,       &Negate, &Add,           &Subtract,
+        &Multiply,     &DivideRoutine, &Modulo, &IntegerDivide, &IntegerPowerRoutine,
+        &PowerRoutine, &Square,        &Cube,   &FourthRoutine, nullptr};
     return kRoutines[static_cast<size_t>(code)];
 }
 

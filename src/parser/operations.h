@@ -40,7 +40,7 @@ struct TOperationRecord {
     const double* Arg2;  // not read by operations of one operand
     double* Dest;
     TOperationRecord* NextOperation;  // in the order of execution; null at the end
-    TMathRoutine Operation;     // null until FixRoutines
+    TMathRoutine Operation;           // null until FixRoutines
     TOperationCode Code;
 };
 using TPOperation = TOperationRecord*;
@@ -90,7 +90,6 @@ inline double WholePower(double base, int64_t exponent) {
     }
     return exponent < 0 ? 1 / result : result;
 }
-
 
 // A variable of the expression: a parameter, and the place that its value is put into before a calculation.
 struct OperationVariable {

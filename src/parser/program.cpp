@@ -6,14 +6,14 @@
 namespace vyn {
 
 // What is computed from memory, and what becomes of it together with the accumulator. Each pair is a step of its own.
-#define VYN_FOR_EACH_SOURCE(X, combine)                \
-    X(combine, Place, *i->a)                           \
-    X(combine, Sum, *i->a + *i->b)                     \
-    X(combine, Difference, *i->a - *i->b)              \
-    X(combine, Product, *i->a * *i->b)                 \
-    X(combine, Product3, *i->a * *i->b * *i->c)        \
+#define VYN_FOR_EACH_SOURCE(X, combine)                    \
+    X(combine, Place, *i->a)                               \
+    X(combine, Sum, *i->a + *i->b)                         \
+    X(combine, Difference, *i->a - *i->b)                  \
+    X(combine, Product, *i->a* * i->b)                     \
+    X(combine, Product3, *i->a* * i->b * *i->c)            \
     X(combine, WholePower, WholePower(*i->a, i->exponent)) \
-    X(combine, ScaledPower, *i->a * WholePower(*i->b, i->exponent))
+    X(combine, ScaledPower, *i->a* WholePower(*i->b, i->exponent))
 #define VYN_FOR_EACH_COMBINATION(X)  \
     VYN_FOR_EACH_SOURCE(X, Push)     \
     VYN_FOR_EACH_SOURCE(X, Add)      \
@@ -23,22 +23,22 @@ namespace vyn {
 #define VYN_COMBINE_Push(x) (*top++ = value, x)
 #define VYN_COMBINE_Add(x) value + (x)
 #define VYN_COMBINE_Subtract(x) value - (x)
-#define VYN_COMBINE_Multiply(x) value* (x)
+#define VYN_COMBINE_Multiply(x) value*(x)
 #define VYN_COMBINE_Divide(x) Quotient(value, x)
 // The accumulator alone; a place on the left of it; the stack's top on the left of it.
-#define VYN_FOR_EACH_OTHER(X)                              \
-    X(Negate, , -value)                                    \
-    X(Square, , value* value)                              \
-    X(Cube, , value* value* value)                         \
-    X(Fourth, , FourthPower(value))                        \
-    X(RaiseWhole, , WholePower(value, i->exponent))        \
-    X(SubtractFrom, , *i->a - value)                       \
-    X(DivideInto, , Quotient(*i->a, value))                \
-    X(AddStacked, , *--top + value)                        \
-    X(SubtractStacked, , *--top - value)                   \
-    X(MultiplyStacked, , *--top * value)                   \
-    X(DivideStacked, , Quotient(*--top, value))            \
-    X(Store, , (*i->dest = value, *--top))                 \
+#define VYN_FOR_EACH_OTHER(X)                       \
+    X(Negate, , -value)                             \
+    X(Square, , value* value)                       \
+    X(Cube, , value* value* value)                  \
+    X(Fourth, , FourthPower(value))                 \
+    X(RaiseWhole, , WholePower(value, i->exponent)) \
+    X(SubtractFrom, , *i->a - value)                \
+    X(DivideInto, , Quotient(*i->a, value))         \
+    X(AddStacked, , *--top + value)                 \
+    X(SubtractStacked, , *--top - value)            \
+    X(MultiplyStacked, , *--top* value)             \
+    X(DivideStacked, , Quotient(*--top, value))     \
+    X(Store, , (*i->dest = value, *--top))          \
     X(Call, , (i->record->Operation(*i->record), value))
 
 enum class Program::Step : uint8_t {
@@ -64,7 +64,7 @@ double Program::Execute(const Instruction* instructions, const void* const** cod
 #define VYN_STEP(combine, source, computed) &&combine##source,
         VYN_FOR_EACH_COMBINATION(VYN_STEP) VYN_FOR_EACH_OTHER(VYN_STEP)
 #undef VYN_STEP
-            && End};
+        && End};
     if (codes) {
         *codes = kCodes;
         return 0;
@@ -73,19 +73,18 @@ double Program::Execute(const Instruction* instructions, const void* const** cod
     double* top = stack;
     double value = 0;
     const Instruction* i = instructions;
-    goto* i->code;
-#define VYN_STEP(combine, source, computed)  \
-    combine##source:                         \
-    value = VYN_COMBINE_##combine(computed); \
-    ++i;                                     \
-    goto* i->code;
+    goto * i->code;
+#define VYN_STEP(combine, source, computed)                    \
+    combine##source : value = VYN_COMBINE_##combine(computed); \
+    ++i;                                                       \
+    goto * i->code;
     VYN_FOR_EACH_COMBINATION(VYN_STEP)
 #undef VYN_STEP
 #define VYN_STEP(name, unused, computed) \
     name:                                \
     value = computed;                    \
     ++i;                                 \
-    goto* i->code;
+    goto * i->code;
     VYN_FOR_EACH_OTHER(VYN_STEP)
 #undef VYN_STEP
 End:
@@ -114,7 +113,8 @@ const void* Program::CodeOf(Step step) {
 }
 
 // Goes through the operations in their order and keeps what is not computed yet as the instruction that would compute
-// it, as long as it fits one. Values wait in the order in which they were made; when one is computed, all before it are.
+// it, as long as it fits one. Values wait in the order in which they were made; when one is computed, all before it
+// are.
 class ProgramBuilder {
   public:
     using Step = Program::Step;

@@ -70,6 +70,7 @@ const Reasons kKeepNothing = {
     {"TTabSheet.PageIndex", "a place among pages, and there is no page control"},
     {"HorzScrollBar.Position", "there is nothing to scroll to"},
     {"VertScrollBar.Position", "there is nothing to scroll to"},
+    {"TParserVyn.Expression", "a word is no expression without a variable of that name"},
     {"TSpeedButton.Down", "without a group a button does not stay down"},
     {"TListBox.ItemHeight", "the font decides until the owner draws"},
     {"TEdit.Height", "its size follows its font"},

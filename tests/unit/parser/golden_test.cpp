@@ -45,10 +45,23 @@ std::vector<GoldenLine> GoldenLines() {
 class GoldenExpressions : public ParserTest {
   protected:
     GoldenExpressions() {
-        for (const auto& [name, value] :
-             {std::pair<const char*, Variant>{"a", 2.0}, {"b", 3.0}, {"c", 0.5}, {"d", 1.5}, {"x", -4.0}, {"z", 0.0},
-              {"big", 1E300}, {"_u", 0.25}, {"e1", 11.0}, {"model", 10.0}, {"dividend", 20.0}, {"individual", 30.0},
-              {"n", 7}, {"t", "2.5"}, {"word", "abc"}, {"empty", ""}, {"nul", Variant::Null()}})
+        for (const auto& [name, value] : {std::pair<const char*, Variant>{"a", 2.0},
+                                          {"b", 3.0},
+                                          {"c", 0.5},
+                                          {"d", 1.5},
+                                          {"x", -4.0},
+                                          {"z", 0.0},
+                                          {"big", 1E300},
+                                          {"_u", 0.25},
+                                          {"e1", 11.0},
+                                          {"model", 10.0},
+                                          {"dividend", 20.0},
+                                          {"individual", 30.0},
+                                          {"n", 7},
+                                          {"t", "2.5"},
+                                          {"word", "abc"},
+                                          {"empty", ""},
+                                          {"nul", Variant::Null()}})
             set.AddParam(name, value);
     }
 

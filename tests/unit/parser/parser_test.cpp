@@ -241,10 +241,10 @@ TEST_F(ParserTest, TheHostIsAskedForWholeNamesBeforeTheirParts) {
 TEST_F(ParserTest, NamesAreCutAtTheLastKeywordThatLeavesOperands) {
     for (const auto& [name, value] : {std::pair{"a", 100.0}, {"b", 7.0}, {"aDIVb", 5.0}, {"bDIVc", 3.0}, {"c", 2.0}})
         set.AddParam(name, value);
-    EXPECT_EQ(Value("aDIVb"), 5);        // the name wins over the division
-    EXPECT_EQ(Value("aDIVbDIVc"), 2);    // at the last DIV: aDIVb, c
+    EXPECT_EQ(Value("aDIVb"), 5);      // the name wins over the division
+    EXPECT_EQ(Value("aDIVbDIVc"), 2);  // at the last DIV: aDIVb, c
     set.DeleteParam("c");
-    EXPECT_EQ(Value("aDIVbDIVc"), 33);   // only at the first: a, bDIVc
+    EXPECT_EQ(Value("aDIVbDIVc"), 33);  // only at the first: a, bDIVc
     EXPECT_EQ(Value("aMODb"), 2);
 }
 
@@ -329,9 +329,9 @@ TEST_F(ParserTest, ANameMayHaveOneAndTwoArguments) {
 TEST_F(ParserTest, TheBuiltInFunctionsAreThese) {
     EXPECT_EQ(parser.FunctionsOneParam().Count(), 26);
     EXPECT_EQ(parser.FunctionsTwoParam().Count(), 9);
-    for (const char* name : {"TAN", "SIN", "COS", "SINH", "COSH", "ARCTAN", "COTAN", "ARG", "EXP", "LN", "LOG10", "LOG2",
-                             "SQR", "SQRT", "ABS", "TRUNC", "INT", "CEIL", "FLOOR", "ROUND", "HEAV", "SIGN", "ZERO",
-                             "PH", "RND", "RANDOM"})
+    for (const char* name :
+         {"TAN",  "SIN", "COS",   "SINH", "COSH", "ARCTAN", "COTAN", "ARG",  "EXP",  "LN",   "LOG10", "LOG2", "SQR",
+          "SQRT", "ABS", "TRUNC", "INT",  "CEIL", "FLOOR",  "ROUND", "HEAV", "SIGN", "ZERO", "PH",    "RND",  "RANDOM"})
         EXPECT_TRUE(parser.FunctionsOneParam().Find(name)) << name;
     EXPECT_EQ(parser.FunctionsOneParam().Find("INT"), parser.FunctionsOneParam().Find("TRUNC"));
     TCustomParserVyn bare(nullptr);
@@ -364,10 +364,8 @@ TEST_F(ParserTest, TwentyNestingsAreAllowed) {
     const AnsiString open(20, '('), close(20, ')');
     EXPECT_EQ(Value(open + "1" + close), 1);
     EXPECT_EQ(Value(open + "1" + close + "+" + open + "1" + close), 2);
-    EXPECT_EQ(ErrorOf("(" + open + "1" + close + ")"),
-              "ETooManyNestings: Expression contains too many nestings");
-    EXPECT_EQ(ErrorOf("ABS(" + open + "1" + close + ")"),
-              "ETooManyNestings: Expression contains too many nestings");
+    EXPECT_EQ(ErrorOf("(" + open + "1" + close + ")"), "ETooManyNestings: Expression contains too many nestings");
+    EXPECT_EQ(ErrorOf("ABS(" + open + "1" + close + ")"), "ETooManyNestings: Expression contains too many nestings");
 }
 
 TEST_F(ParserTest, FiftyOperationsBesideEachOtherAreAllowed) {
@@ -412,12 +410,34 @@ TEST_F(ParserTest, HostileTextsOfAMegabyteEndQuickly) {
     AnsiString brackets;
     for (int i = 0; i < 20000; ++i) brackets += "(1+1)*";
     // Each is an error; what takes more than linear time would not end at all.
-    for (const AnsiString& text :
-         {repeat("("), repeat("(") + repeat(")"), repeat("()"), repeat("-"), repeat("+"), repeat("1+"), repeat("1-"),
-          repeat("^"), repeat("9"), repeat("1."), repeat("1E"), repeat("DIV"), repeat("MOD"), repeat("MODDIV"),
-          repeat("aMOD"), repeat("DMODMOD"), repeat("a"), repeat("_"), repeat("SIN("), repeat("MAX(1,"), repeat(","),
-          repeat("-1"), repeat("--1"), repeat("1^-"), repeat(AnsiString(1, '\0')), repeat("\xFF"), brackets,
-          repeat("DMOD") + "+" + repeat("DMOD")})
+    for (const AnsiString& text : {repeat("("),
+                                   repeat("(") + repeat(")"),
+                                   repeat("()"),
+                                   repeat("-"),
+                                   repeat("+"),
+                                   repeat("1+"),
+                                   repeat("1-"),
+                                   repeat("^"),
+                                   repeat("9"),
+                                   repeat("1."),
+                                   repeat("1E"),
+                                   repeat("DIV"),
+                                   repeat("MOD"),
+                                   repeat("MODDIV"),
+                                   repeat("aMOD"),
+                                   repeat("DMODMOD"),
+                                   repeat("a"),
+                                   repeat("_"),
+                                   repeat("SIN("),
+                                   repeat("MAX(1,"),
+                                   repeat(","),
+                                   repeat("-1"),
+                                   repeat("--1"),
+                                   repeat("1^-"),
+                                   repeat(AnsiString(1, '\0')),
+                                   repeat("\xFF"),
+                                   brackets,
+                                   repeat("DMOD") + "+" + repeat("DMOD")})
         EXPECT_THROW(Value(text), Exception) << text.substr(0, 20);
 }
 
@@ -469,7 +489,8 @@ TEST_F(ParserTest, TheCompilerIsAFunctionOfItsOwn) {
     set.AddParam("a", 3.0);
     OperationList operations;
     bool failed = true;
-    ParseFunction("a^2", parser.Variables(), parser.FunctionsOneParam(), parser.FunctionsTwoParam(), operations, failed);
+    ParseFunction("a^2", parser.Variables(), parser.FunctionsOneParam(), parser.FunctionsTwoParam(), operations,
+                  failed);
     EXPECT_FALSE(failed);
     ASSERT_EQ(operations.Count(), 1u);
     EXPECT_EQ(operations.First()->Code, TOperationCode::Square);

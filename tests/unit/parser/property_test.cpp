@@ -92,7 +92,8 @@ class Writer {
 
     std::string Expression(int depth) {
         std::string text = Operand(depth);
-        for (int left = static_cast<int>(random_() % 4); left > 0; --left) text += "+-*/"[random_() % 4] + Operand(depth);
+        for (int left = static_cast<int>(random_() % 4); left > 0; --left)
+            text += "+-*/"[random_() % 4] + Operand(depth);
         return text;
     }
 
