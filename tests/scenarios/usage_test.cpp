@@ -46,7 +46,7 @@ TEST_F(Usage, HelpListsTheSubcommands) {
     EXPECT_EQ(ended.ExitStatus, 0);
     EXPECT_EQ(ended.Errors, "");
     const std::vector<std::string> names = Subcommands();
-    for (const char* name : {"run", "demo", "shot", "build", "export", "dump", "sql", "completion"})
+    for (const char* name : {"run", "demo", "shot", "build", "export", "dump", "sql", "eval", "completion"})
         EXPECT_EQ(std::count(names.begin(), names.end(), name), 1) << name;
 }
 
@@ -73,6 +73,7 @@ TEST_F(Usage, AMissingArgumentGivesTheSubcommandsUsage) {
     ExpectWrong({"build", VYN_SAMPLE}, "vyn build");
     ExpectWrong({"export"}, "vyn export");
     ExpectWrong({"dump"}, "vyn dump");
+    ExpectWrong({"eval"}, "vyn eval");
     ExpectWrong({"run"}, "vyn run");
     ExpectWrong({"shot", VYN_SAMPLE}, "vyn shot");
     ExpectWrong({"shot", VYN_SAMPLE, "1"}, "vyn shot");

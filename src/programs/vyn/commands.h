@@ -38,6 +38,9 @@ int DumpCommand(const std::string& file, bool json);
 // Prints the statements that a node's queries compose.
 int SqlCommand(const SqlOptions& options);
 int PasswordCommand();
+// Prints the number in the shortest form that reads back equal. `values`: NAME=VALUE each
+// (programs/tools/named_values.h).
+int EvalCommand(const std::string& expression, const std::vector<std::string>& values);
 int CompletionCommand(const std::string& shell);
 
 // With windows (windows_commands.cpp).

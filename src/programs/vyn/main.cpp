@@ -91,6 +91,12 @@ int Run(int argc, char** argv) {
     sqlCommand->add_option("--database", sql.Application.Database, "connection string of the database DBDades")
         ->type_name("CONNECTION-STRING");
     sqlCommand->add_flag("--json", sql.Json, "print one JSON document");
+    std::string expression;
+    std::vector<std::string> values;
+    CLI::App* evalCommand = program.add_subcommand("eval", "Calculate an arithmetic expression");
+    evalCommand->add_option("EXPRESSION", expression, "the expression, without blanks")->required();
+    evalCommand->add_option("NAME=VALUE", values, "its variables")->check(CheckNamedValue);
+    evalCommand->footer("-- ends the options: an expression may begin with a minus sign.");
     CLI::App* passwordCommand =
         program.add_subcommand("password", "Read a password and print what a guard form stores of it");
     CLI::App* completionCommand = program.add_subcommand("completion", "Print a completion script");
@@ -119,6 +125,7 @@ int Run(int argc, char** argv) {
     if (exportCommand->parsed()) return ExportCommand(file, folder);
     if (dumpCommand->parsed()) return DumpCommand(file, json);
     if (sqlCommand->parsed()) return SqlCommand(sql);
+    if (evalCommand->parsed()) return EvalCommand(expression, values);
     if (passwordCommand->parsed()) return PasswordCommand();
     return CompletionCommand(shell);
 }
