@@ -13,7 +13,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const AnsiString upper = UpperCase(text);
     if (upper.find("RND") != AnsiString::npos || upper.find("RANDOM") != AnsiString::npos) return 0;
     TParametres set(nullptr);
-    for (const auto& [name, value] : {std::pair<const char*, Variant>{"a", 2.0}, {"b", -3.5}, {"DIVA", 7}, {"t", "2.5"}})
+    for (const auto& [name, value] :
+         {std::pair<const char*, Variant>{"a", 2.0}, {"b", -3.5}, {"DIVA", 7}, {"t", "2.5"}})
         set.AddParam(name, value);
     TParserVyn parser(nullptr);
     parser.Variables().Add(&set);

@@ -37,7 +37,8 @@ double SumOfPowers(const double* v) {
 }  // namespace
 
 const std::vector<Variable>& Variables() {
-    static const std::vector<Variable> variables = {{"a", 1.3}, {"b", 3}, {"c", 0.5}, {"d", 1.5}, {"x", 2.5}, {"y", 3.5}};
+    static const std::vector<Variable> variables = {{"a", 1.3}, {"b", 3},   {"c", 0.5},
+                                                    {"d", 1.5}, {"x", 2.5}, {"y", 3.5}};
     return variables;
 }
 

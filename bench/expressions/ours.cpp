@@ -42,7 +42,8 @@ void Calculate(benchmark::State& state, const Expression& expression) {
     ours.parser.SetExpression(expression.text);
     const double expected = expression.compiled(Values().data());
     for (int i = 0; i < 3; ++i)
-        if (std::fabs(ours.parser.CalcValue() - expected) > 1e-9 * std::fabs(expected)) state.SkipWithError("it is wrong");
+        if (std::fabs(ours.parser.CalcValue() - expected) > 1e-9 * std::fabs(expected))
+            state.SkipWithError("it is wrong");
     for (auto _ : state) benchmark::DoNotOptimize(ours.parser.CalcValue());
 }
 
