@@ -1,6 +1,7 @@
 #include "package/package.h"
 
 #include "app/Utvynapp.h"
+#include "database/Udb_ado.h"
 #include "foundation/Uparametres.h"
 #include "parser/Uparservyn.h"
 #include "persistence/Uvynclss.h"
@@ -23,9 +24,9 @@ bool& Running() {
 
 // The framework's own component classes.
 constexpr const ClassInfo& (*kFrameworkClasses[])() = {
-    &TVynApp::StaticClass,         &TParametres::StaticClass,  &TParametresChild::StaticClass,
-    &TParametresList::StaticClass, &TTreeVynLink::StaticClass, &TQuerySQL::StaticClass,
-    &TParserVyn::StaticClass,
+    &TVynApp::StaticClass,         &TParametres::StaticClass,     &TParametresChild::StaticClass,
+    &TParametresList::StaticClass, &TTreeVynLink::StaticClass,    &TQuerySQL::StaticClass,
+    &TParserVyn::StaticClass,      &TDataBaseVynADO::StaticClass,
 };
 
 void LinkFrameworkClasses() {
@@ -35,9 +36,9 @@ void LinkFrameworkClasses() {
 // Classes of the platform that forms need and no palette lists: what stands between data and controls, popup menus.
 void RegisterUnlistedClasses() {
     for (TClass each : LinkedClasses()) {
-        const bool isData = each->InheritsFrom(&TField::StaticClass()) ||
-                            each->InheritsFrom(&TDataSource::StaticClass()) ||
-                            each->InheritsFrom(&TADOConnection::StaticClass());
+        const bool isData =
+            each->InheritsFrom(&TField::StaticClass()) || each->InheritsFrom(&TDataSource::StaticClass()) ||
+            each->InheritsFrom(&TADOConnection::StaticClass()) || each->InheritsFrom(&TDataBaseVyn::StaticClass());
         if (isData || each->Name() == "TPopupMenu") RegisterClass(each);
     }
 }
@@ -64,13 +65,13 @@ void InitializePackage() {
     InitializeVynRegisteredClasses();
     RegistraClasse(TTipusClasse::VynComp, &TParserVyn::StaticClass(), false, TNotifyEvent());
     RegistraClasse(TTipusClasse::VynComp, &TQuerySQL::StaticClass(), false, TNotifyEvent());
-    RegistraClasse(TTipusClasse::DataAccess, &TADOQuery::StaticClass(), false, TNotifyEvent());
-    RegistraClasse(TTipusClasse::DataAccess, &TADOTable::StaticClass(), false, TNotifyEvent());
+    InitializeDb_ado();
 }
 
 void FinalizePackage() {
     if (!package_detail::Running()) return;
     package_detail::Running() = false;
+    FinalizeDb_ado();
     FinalizeVynRegisteredClasses();
     FinalizeParametres();
     package_detail::UnlinkAllClasses();

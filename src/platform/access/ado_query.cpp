@@ -23,7 +23,9 @@ const ClassInfo& TADOQuery::StaticClass() {
 
 TADOQuery::TADOQuery(TComponent* owner) : TCustomADODataSet(owner), parameters_(std::make_unique<TParameters>(this)) {
     // Another statement is another result.
-    sql_.OnChanging = [this](TObject*) { Close(); };
+    sql_.OnChanging = [this](TObject*) {
+        if (!HasState(csLoading)) Close();
+    };
     sql_.OnChange = [this](TObject*) { SqlChanged(); };
 }
 

@@ -208,7 +208,9 @@ void TStrings::SetCommaText(const AnsiString& text) {
 }
 
 void TStrings::BeginUpdate() {
-    if (updateCount_++ == 0) SetUpdateState(true);
+    // Before it is counted: what is announced now is still to come.
+    if (updateCount_ == 0) SetUpdateState(true);
+    ++updateCount_;
 }
 
 void TStrings::EndUpdate() {

@@ -143,3 +143,12 @@ TEST(Collection, AnItemThatIsFreedLeaves) {
     EXPECT_EQ(items.Count(), 0);
     EXPECT_THROW(items.Items(0), EListError);
 }
+
+TEST(StringList, SettingTheWholeTextAnnouncesTheChangeBeforeAndAfter) {
+    TStringList list{"old"};
+    std::vector<AnsiString> heard;
+    list.OnChanging = [&](TObject*) { heard.push_back("changing " + list.CommaText()); };
+    list.OnChange = [&](TObject*) { heard.push_back("changed " + list.CommaText()); };
+    list.SetText("a\r\nb");
+    EXPECT_EQ(heard, (std::vector<AnsiString>{"changing old", "changed a,b"}));
+}
