@@ -62,6 +62,8 @@ class EventRunner {
   public:
     virtual ~EventRunner() = default;
     virtual bool RunEvent(const AnsiString& name, TObject* sender) = 0;
+    // The application that opened its form, whose procedures the rules call.
+    virtual void SetVynApp(TVynApp* app) = 0;
 };
 
 // One loaded application: its stores, its databases, its procedures, and the components that it has opened.

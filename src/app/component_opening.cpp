@@ -188,6 +188,8 @@ bool TVynApp::LlegeixComponent(TStream& stream, TComponent*& component) {
                                  const PropertyInfo& property, const MethodInfo*& method,
                                  bool& error) { BindStoredHandler(from, name, instance, property, method, error); };
     component = reader.ReadRootComponent(component);
+    for (int i = 0; i < component->ComponentCount(); ++i)
+        if (auto* runner = dynamic_cast<EventRunner*>(component->Components(i))) runner->SetVynApp(this);
     return true;
 }
 

@@ -1,0 +1,295 @@
+// Sources and destinations of rules, over a live form and a live table.
+#include "event_fixtures.h"
+#include "platform/controls/timer.h"
+#include "platform/objects/component_handle.h"
+
+using namespace vyn;
+using namespace event_fixtures;
+
+class Operands : public EventTest {};
+
+TEST_F(Operands, NothingIsNull) { EXPECT_TRUE(Source(tdcNul, "x").IsNull()); }
+
+TEST_F(Operands, AParameterIsReadAndSet) {
+    Put(tdcParametre, "YEAR", 2026);
+    EXPECT_EQ(Parametres()->GetParametreValue("year"), Variant(2026));
+    EXPECT_EQ(Source(tdcParametre, "YEAR"), Variant(2026));
+    Put(tdcInternalParam, "YEAR", 2027);
+    EXPECT_EQ(Source(tdcInternalParam, "YEAR"), Variant(2027));
+    EXPECT_EQ(Source(tdcParametre, "YEAR"), Variant(2026)) << "the two sets are apart";
+}
+
+TEST_F(Operands, WithoutItsOwnSetAnInternalParameterIsAnError) {
+    events->SetParametresList(nullptr);
+    EXPECT_EQ(SourceError(tdcInternalParam, "A"),
+              "ExcepcioEventsVyn: There is no ParametresList with the parameter A");
+    EXPECT_EQ(PutError(tdcInternalParam, "A"), "ExcepcioEventsVyn: There is no ParametresList for the parameter A");
+}
+
+TEST_F(Operands, AnErrorOfTheSetIsThisComponentsError) {
+    Parametres()->CreaAutomaticParams = false;
+    const AnsiString error = SourceError(tdcParametre, "NONE");
+    EXPECT_EQ(error.substr(0, 19), "ExcepcioEventsVyn: ") << error;
+}
+
+TEST_F(Operands, AComponentIsAReferenceThatFindsItAgain) {
+    const Variant reference = Source(tdcObjecte, "Amount");
+    EXPECT_EQ(TEventsVyn::ComponentOfReference(reference), edit);
+    EXPECT_EQ(TEventsVyn::ComponentOfReference(0), nullptr);
+    delete edit;
+    EXPECT_EQ(MessageOf([&] { TEventsVyn::ComponentOfReference(reference); }),
+              "ExcepcioEventsVyn: The component that the reference " + reference.AsText() + " stood for is no more");
+}
+
+TEST_F(Operands, AComponentThatNobodyOwnsHasNoOwnerToRefer) {
+    TEventsVyn alone(nullptr);
+    Variant value;
+    alone.CapturaValorOrigen(nullptr, {tdcObjecte, "OWNER"}, value);
+    EXPECT_EQ(value, Variant(0));
+    EXPECT_EQ(MessageOf([&] { alone.CapturaValorOrigen(nullptr, {tdcPropietat, "OWNER.Caption"}, value); }),
+              "ExcepcioEventsVyn: No trobat el component: OWNER");
+    EXPECT_EQ(MessageOf([&] { alone.ExecutaCodiDesti(nullptr, {tdcFieldName, "owner.Code"}, 1); }),
+              "ExcepcioEventsVyn: No trobat el component de tipus TDataSet: owner");
+    EXPECT_EQ(MessageOf([&] { alone.CapturaValorOrigen(nullptr, {tdcFieldName, "owner.Code"}, value); }),
+              "ExcepcioEventsVyn: No trobat el component: owner");
+}
+
+TEST_F(Operands, TheTextItselfIsAString) { EXPECT_EQ(Source(tdcValorDirecte, "12"), Variant("12")); }
+
+TEST_F(Operands, OwnerIsTheFormOfTheRules) {
+    EXPECT_EQ(Source(tdcPropietat, "OWNER.Caption"), Variant("All orders"));
+    EXPECT_EQ(Source(tdcPropietat, "owner.caption"), Variant("All orders"));
+}
+
+TEST_F(Operands, PropertiesAreReadByTheirKinds) {
+    edit->SetText("12.5");
+    edit->SetLeft(40);
+    check->SetChecked(true);
+    EXPECT_EQ(Source(tdcPropietat, "Amount.Text"), Variant("12.5"));
+    EXPECT_EQ(Source(tdcPropietat, "Amount.Left"), Variant(40));
+    EXPECT_EQ(Source(tdcPropietat, "Paid.Checked"), Variant(1)) << "an enumeration is its number";
+    edit->Anchors = {akLeft, akTop};
+    EXPECT_EQ(Source(tdcPropietat, "Amount.Anchors"), Variant(3)) << "a set is its bits";
+    edit->SetPasswordChar('*');
+    EXPECT_EQ(Source(tdcPropietat, "Amount.PasswordChar"), Variant("*"));
+    EXPECT_EQ(Source(tdcPropietat, "Amount.Text.Length"), Variant("12.5")) << "a third name is passed over";
+}
+
+TEST_F(Operands, PropertiesAreSetByTheirKinds) {
+    Put(tdcPropietat, "Amount.Text", 12);
+    EXPECT_EQ(edit->Text(), "12");
+    Put(tdcPropietat, "Amount.Text", Variant::Null());
+    EXPECT_EQ(edit->Text(), "");
+    Put(tdcPropietat, "Amount.Left", "31");
+    EXPECT_EQ(edit->Left(), 31);
+    Put(tdcPropietat, "Paid.Checked", true);
+    EXPECT_TRUE(check->Checked());
+    Put(tdcPropietat, "Amount.PasswordChar", "#");
+    EXPECT_EQ(edit->PasswordChar(), '#');
+    EXPECT_EQ(PutError(tdcPropietat, "Amount.PasswordChar", "ab"),
+              AnsiString("ExcepcioEventsVyn: El tipus de la propietat PasswordChar no és vàlida"_w));
+    EXPECT_NE(PutError(tdcPropietat, "Amount.Left", "abc"), "no error");
+    EXPECT_EQ(edit->Left(), 31);
+}
+
+TEST_F(Operands, PropertiesOfOtherKindsAreRefused) {
+    const AnsiString refused = "ExcepcioEventsVyn: El tipus de la propietat Font no és vàlida"_w;
+    EXPECT_EQ(SourceError(tdcPropietat, "Amount.Font"), refused);
+    EXPECT_EQ(PutError(tdcPropietat, "Amount.Font"), refused);
+    const AnsiString event = "ExcepcioEventsVyn: El tipus de la propietat OnClick no és vàlida"_w;
+    EXPECT_EQ(SourceError(tdcPropietat, "Amount.OnClick"), event);
+    EXPECT_EQ(PutError(tdcPropietat, "Amount.OnClick"), event);
+}
+
+TEST_F(Operands, APropertyNeedsItsTwoNames) {
+    for (const auto& run : {std::function<AnsiString(AnsiString)>([&](AnsiString t) { return SourceError(tdcPropietat, t); }),
+                            std::function<AnsiString(AnsiString)>([&](AnsiString t) { return PutError(tdcPropietat, t); })}) {
+        EXPECT_EQ(run(".Text"), "ExcepcioEventsVyn: El nom del component no existeix");
+        EXPECT_EQ(run("Amount"), "ExcepcioEventsVyn: El nom de la propietat no existeix");
+        EXPECT_EQ(run("Amount..Text"), "ExcepcioEventsVyn: El nom de la propietat no existeix");
+        EXPECT_EQ(run("Amount.Wingspan"),
+                  "ExcepcioEventsVyn: No trobada la propietat: Wingspan dins el component Amount");
+        EXPECT_EQ(run("Nobody.Text"), "Exception: Componente: Nobody no encontrado");
+    }
+}
+
+TEST_F(Operands, NamesAreLookedForUpwardThroughTheOwners) {
+    EXPECT_EQ(events->ReturnComponent("Rules"), events);
+    EXPECT_EQ(events->ReturnComponent("Orders"), form.get());
+    EXPECT_EQ(events->ReturnComponent("amount"), edit) << "what a component owns is found whatever the letters' case";
+    EXPECT_EQ(MessageOf([&] { events->ReturnComponent("orders"); }),
+              "Exception: Componente: orders no encontrado")
+        << "a component's own name is compared as it is";
+    auto* outer = new TComponent(nullptr);
+    outer->SetName("App");
+    auto* inner = new TComponent(outer);
+    auto* rules = new TEventsVyn(inner);
+    auto* uncle = new TComponent(outer);
+    uncle->SetName("Uncle");
+    EXPECT_EQ(rules->ReturnComponent("Uncle"), uncle);
+    EXPECT_EQ(rules->ReturnComponent("App"), outer);
+    EXPECT_EQ(rules->ReturnComponent("Owner"), inner);
+    delete outer;
+}
+
+TEST_F(Operands, TheHostIsAskedForAComponentThatIsNotFound) {
+    TComponent elsewhere(nullptr);
+    AnsiString asked;
+    events->OnNeedComponent = [&](TEventsVyn* sender, const AnsiString& name, TComponent*& found) {
+        EXPECT_EQ(sender, events);
+        asked += name + " ";
+        if (name == "Elsewhere") found = &elsewhere;
+    };
+    EXPECT_EQ(events->ReturnComponent("Elsewhere"), &elsewhere);
+    EXPECT_EQ(MessageOf([&] { events->ReturnComponent("Nobody"); }), "Exception: Componente: Nobody no encontrado");
+    events->ReturnComponent("Amount");
+    EXPECT_EQ(asked, "Elsewhere Nobody ");
+}
+
+TEST_F(Operands, FieldsOfAnOpenDataSetAreReadAndSet) {
+    TADOQuery* lines = OpenLines();
+    EXPECT_EQ(Source(tdcFieldName, "Lines.Name"), Variant("Rosa"));
+    EXPECT_EQ(Source(tdcFieldName, "Lines.Price"), Variant(2.5));
+    EXPECT_EQ(lines->State(), dsBrowse);
+    Put(tdcFieldName, "Lines.Price", 3.5);
+    EXPECT_EQ(lines->State(), dsEdit) << "and it is not posted";
+    EXPECT_EQ(Source(tdcFieldName, "Lines.Price"), Variant(3.5));
+    lines->Cancel();
+    lines->Insert();
+    Put(tdcFieldName, "Lines.Name", "Pau");
+    EXPECT_EQ(lines->State(), dsInsert) << "a new record stays one";
+    lines->Cancel();
+}
+
+TEST_F(Operands, AQueryStandsForItsDataSet) {
+    auto* query = Make<TQuerySQL>("LinesQuery");
+    query->SetQryDataSet(OpenLines());
+    EXPECT_EQ(Source(tdcFieldName, "LinesQuery.Code"), Variant(7));
+    Put(tdcFieldName, "LinesQuery.Name", "Nil");
+    EXPECT_EQ(Source(tdcFieldName, "Lines.Name"), Variant("Nil"));
+    query->QryDataSet()->Cancel();
+}
+
+TEST_F(Operands, AFieldNeedsItsNamesAndADataSet) {
+    OpenLines();
+    EXPECT_EQ(SourceError(tdcFieldName, ".Code"), "ExcepcioEventsVyn: No existe el nombre del TDataSet");
+    EXPECT_EQ(SourceError(tdcFieldName, "Lines"), "ExcepcioEventsVyn: No existe el nombre del Field");
+    EXPECT_EQ(SourceError(tdcFieldName, "Amount.Code"),
+              AnsiString("ExcepcioEventsVyn: El componente Amount no es un TDataSet sinó un TEdit"_w));
+    EXPECT_EQ(SourceError(tdcFieldName, "Lines.Wingspan"),
+              "ExcepcioEventsVyn: El DataSet Lines no contiene un Field llamado: Wingspan");
+    EXPECT_EQ(PutError(tdcFieldName, ".Code"),
+              "ExcepcioEventsVyn: El nom del component de tipus TDataSet no existeix");
+    EXPECT_EQ(PutError(tdcFieldName, "Lines"), "ExcepcioEventsVyn: El nom del Field no existeix");
+    EXPECT_EQ(PutError(tdcFieldName, "Amount.Code"),
+              AnsiString("ExcepcioEventsVyn: El component Amount no és un TDataSet sinó un TEdit"_w));
+    EXPECT_EQ(PutError(tdcFieldName, "Lines.Wingspan"),
+              AnsiString("ExcepcioEventsVyn: El DataSet Lines no conté un Field amb el nom Wingspan"_w));
+}
+
+TEST_F(Operands, AProcedureIsNoSource) {
+    const AnsiString refused =
+        "ExcepcioEventsVyn: ERROR : Una funció es troba com a Origen del Codi, i només pot ser destí."_w;
+    EXPECT_EQ(SourceError(tdcProcediment, "Save"), refused);
+    EXPECT_EQ(SourceError(tdcInternalProc, "Save"), refused);
+}
+
+TEST_F(Operands, WhatIsNoDestination) {
+    const AnsiString error = "ExcepcioEventsVyn: ";
+    EXPECT_EQ(PutError(tdcNul, ""), error + "El Destí d'una linea de codi no pot ser NULL"_w);
+    EXPECT_EQ(PutError(tdcObjecte, "Amount"), error + "El Destí d'una linea de codi no pot ser un OBJECTE"_w);
+    EXPECT_EQ(PutError(tdcValorDirecte, "1"), error + "El Destí d'una linea de codi no pot ser un VALOR DIRECTE"_w);
+    EXPECT_EQ(PutError(tdcExpresion, "1"), error + "El Destí d'una linea de codi no pot ser una expresió"_w);
+}
+
+TEST_F(Operands, ANumberThatIsNoTypeIsAnError) {
+    EXPECT_EQ(SourceError(static_cast<TTipusDadaCodi>(10), ""),
+              "ExcepcioEventsVyn: CapturaValor : Tipus de dada no valid");
+    EXPECT_EQ(SourceError(static_cast<TTipusDadaCodi>(-1), ""),
+              "ExcepcioEventsVyn: CapturaValor : Tipus de dada no valid");
+    EXPECT_EQ(PutError(static_cast<TTipusDadaCodi>(10), ""),
+              "ExcepcioEventsVyn: ExecutaCodi : Tipus de dada no valid");
+}
+
+TEST_F(Operands, AnExpressionReadsTheOwnSetBeforeTheGlobalOne) {
+    Parametres()->AddParam("A", 2);
+    Parametres()->AddParam("B", 10);
+    EXPECT_EQ(Source(tdcExpresion, "A*B"), Variant(20.0));
+    own->AddParam("A", 3);
+    EXPECT_EQ(Source(tdcExpresion, "A*B"), Variant(30.0));
+    events->SetParametresList(nullptr);
+    EXPECT_EQ(Source(tdcExpresion, "A*B"), Variant(20.0));
+}
+
+TEST_F(Operands, AnExpressionWithANullVariableIsNull) {
+    Parametres()->AddParam("A", Variant::Null());
+    EXPECT_TRUE(Source(tdcExpresion, "A*2").IsNull());
+}
+
+TEST_F(Operands, AVariableThatIsNowhereIsNamed) {
+    EXPECT_EQ(SourceError(tdcExpresion, "NONE+1"),
+              "ExcepcioEventsVyn: Expresi\xF3 inv\xE0lida : NONE+1\n\rERROR TYPE : EParserInternalError\n\r"
+              "Error in Function : Variable NONE not found");
+}
+
+TEST_F(Operands, AnExpressionThatDoesNotParseIsWrapped) {
+    EXPECT_EQ(SourceError(tdcExpresion, "2 + 3"),
+              "ExcepcioEventsVyn: Expresi\xF3 inv\xE0lida : 2 + 3\n\rERROR TYPE : EExpressionHasBlanks\n\r"
+              "Expression has blanks");
+}
+
+TEST_F(Operands, AnAbortWithinAnExpressionStaysSilent) {
+    Parametres()->AddParam("A", 1);
+    Parametres()->OnGetValorPRM = [](TParametres*, const AnsiString&, Variant&) { throw EAbort("quiet"); };
+    EXPECT_EQ(SourceError(tdcExpresion, "A+1"), "EAbort: quiet");
+}
+
+TEST_F(Operands, AGlobalParameterIsTakenOverIntoTheOwnSet) {
+    Parametres()->AddParam("A", 4);
+    events->ParserVarNotFound(nullptr, "A");
+    EXPECT_EQ(own->GetParametreValue("A"), Variant(4));
+    EXPECT_EQ(MessageOf([&] { events->ParserVarNotFound(nullptr, "B"); }),
+              "EParserInternalError: Error in Function : Variable B not found");
+}
+
+TEST_F(Operands, AProcedureIsTheHostsFirst) {
+    AnsiString heard;
+    bool takes = true;
+    events->OnExecuteProcedureVyn = [&](TObject* sender, const AnsiString& name, bool& executed) {
+        EXPECT_EQ(sender, events);
+        heard += name + " ";
+        executed = takes;
+    };
+    Put(tdcProcediment, "Save", 1);
+    Put(tdcInternalProc, "Print", 1);
+    takes = false;
+    Put(tdcInternalProc, "Print", 1);
+    EXPECT_EQ(heard, "Save Print Print ");
+    EXPECT_EQ(PutError(tdcProcediment, "Save"), "ExcepcioEventsVyn: FATAL ERROR : VynApp not assigned");
+}
+
+namespace {
+TObject* theProcedureGot = nullptr;
+void Remember(TObject* object) { theProcedureGot = object; }
+}  // namespace
+
+TEST_F(Operands, AProcedureOfTheApplicationGetsTheRules) {
+    TVynApp app(nullptr);
+    app.Procedures().RegisterProcedure("Save", &Remember);
+    events->SetVynApp(&app);
+    theProcedureGot = nullptr;
+    Put(tdcInternalProc, "Save", 1);
+    EXPECT_EQ(theProcedureGot, nullptr) << "an internal one never leaves the form";
+    Put(tdcProcediment, "save", 1);
+    EXPECT_EQ(theProcedureGot, events);
+}
+
+TEST_F(Operands, AnApplicationThatGoesIsForgotten) {
+    {
+        TVynApp app(nullptr);
+        events->SetVynApp(&app);
+    }
+    EXPECT_EQ(events->VynApp(), nullptr);
+    own.reset();
+    EXPECT_EQ(events->ParametresList(), nullptr);
+}
