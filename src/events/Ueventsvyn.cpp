@@ -98,7 +98,8 @@ void TEventsVyn::ExecutaEvent(int index) {
         if (alive() && AfterExecutaEvent) AfterExecutaEvent(this, event.Nom);
     } catch (const Exception& error) {
         if (TParametres* global = Parametres())
-            global->SetParametreValue(events_detail::kErrorParameter, AnsiString(error.ClassName()) + "\n" + error.Message());
+            global->SetParametreValue(events_detail::kErrorParameter,
+                                      AnsiString(error.ClassName()) + "\n" + error.Message());
         if (!alive() || !OnErrorAlExecutar) throw;
         OnErrorAlExecutar(this, event.Nom);
     }

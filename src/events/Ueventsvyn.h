@@ -56,8 +56,8 @@ const TEventVyn& TEventVyn_NUL();
 
 using TNotifyExecutaEventVyn = Event<void(TComponent* EventSender, const AnsiString& NomEvent)>;
 using TNotifyEventVynExecuteProcedure = Event<void(TObject* Sender, const AnsiString& ProcedureName, bool& Executed)>;
-using TEventVynValueError = Event<void(TEventsVyn* EventSender, const TPartAssignacioEvent& Part, const Variant& Value,
-                                       bool& RaiseError)>;
+using TEventVynValueError =
+    Event<void(TEventsVyn* EventSender, const TPartAssignacioEvent& Part, const Variant& Value, bool& RaiseError)>;
 using TEventVynNeedComponent =
     Event<void(TEventsVyn* EventSender, const AnsiString& ComponentName, TComponent*& Component)>;
 

@@ -118,8 +118,8 @@ Variant TEventsVyn::ExpressionValue(const AnsiString& expression) {
     } catch (const EAbort&) {
         throw;
     } catch (const Exception& error) {
-        operands_detail::Error("Expresió invàlida : "_w + expression + "\n\rERROR TYPE : " + error.ClassName() + "\n\r" +
-                               error.Message());
+        operands_detail::Error("Expresió invàlida : "_w + expression + "\n\rERROR TYPE : " + error.ClassName() +
+                               "\n\r" + error.Message());
     }
 }
 
@@ -212,7 +212,8 @@ Variant TEventsVyn::FieldValue(TComponent* component, const AnsiString& path) {
     TComponent* found = FindFrom(component, name);
     if (!found) operands_detail::Error("No trobat el component: " + name);
     TDataSet* dataSet = operands_detail::DataSetOf(found);
-    if (!dataSet) operands_detail::Error("El componente " + name + " no es un TDataSet sinó un "_w + found->ClassName());
+    if (!dataSet)
+        operands_detail::Error("El componente " + name + " no es un TDataSet sinó un "_w + found->ClassName());
     TField* field = dataSet->FindField(fieldName);
     if (!field) operands_detail::Error("El DataSet " + name + " no contiene un Field llamado: " + fieldName);
     try {

@@ -96,8 +96,8 @@ TEST_F(EventScripts, AnExcusedSourceGivesNull) {
         asked += part.Valor + " ";
         raiseError = part.Valor != "Nobody.Text";
     };
-    Rule("Excused", {{{tdcParametre, "A"}, {tdcPropietat, "Nobody.Text"}},
-                     {{tdcParametre, "B"}, {tdcPropietat, "Noone.Text"}}});
+    Rule("Excused",
+         {{{tdcParametre, "A"}, {tdcPropietat, "Nobody.Text"}}, {{tdcParametre, "B"}, {tdcPropietat, "Noone.Text"}}});
     EXPECT_EQ(MessageOf([&] { events->ExecutaEvent(0); }), "Exception: Componente: Noone no encontrado");
     EXPECT_TRUE(Parametres()->GetParametreValue("A").IsNull());
     EXPECT_EQ(asked, "Nobody.Text Noone.Text ");
@@ -150,7 +150,7 @@ TEST_F(EventScripts, AreStoredByteForByte) {
         "1\0"
         "\x06\x02No\x01\0"
         "\0",
-        30);
+        29);
     EXPECT_EQ(stream.Bytes(), expected);
     stream.SetPosition(0);
     TReader reader(stream);

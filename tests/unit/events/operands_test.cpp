@@ -1,6 +1,5 @@
 // Sources and destinations of rules, over a live form and a live table.
 #include "event_fixtures.h"
-#include "platform/controls/timer.h"
 #include "platform/objects/component_handle.h"
 
 using namespace vyn;
@@ -21,8 +20,7 @@ TEST_F(Operands, AParameterIsReadAndSet) {
 
 TEST_F(Operands, WithoutItsOwnSetAnInternalParameterIsAnError) {
     events->SetParametresList(nullptr);
-    EXPECT_EQ(SourceError(tdcInternalParam, "A"),
-              "ExcepcioEventsVyn: There is no ParametresList with the parameter A");
+    EXPECT_EQ(SourceError(tdcInternalParam, "A"), "ExcepcioEventsVyn: There is no ParametresList with the parameter A");
     EXPECT_EQ(PutError(tdcInternalParam, "A"), "ExcepcioEventsVyn: There is no ParametresList for the parameter A");
 }
 
@@ -46,11 +44,17 @@ TEST_F(Operands, AComponentThatNobodyOwnsHasNoOwnerToRefer) {
     Variant value;
     alone.CapturaValorOrigen(nullptr, {tdcObjecte, "OWNER"}, value);
     EXPECT_EQ(value, Variant(0));
-    EXPECT_EQ(MessageOf([&] { alone.CapturaValorOrigen(nullptr, {tdcPropietat, "OWNER.Caption"}, value); }),
+    EXPECT_EQ(MessageOf([&] {
+                  alone.CapturaValorOrigen(nullptr, {tdcPropietat, "OWNER.Caption"}, value);
+              }),
               "ExcepcioEventsVyn: No trobat el component: OWNER");
-    EXPECT_EQ(MessageOf([&] { alone.ExecutaCodiDesti(nullptr, {tdcFieldName, "owner.Code"}, 1); }),
+    EXPECT_EQ(MessageOf([&] {
+                  alone.ExecutaCodiDesti(nullptr, {tdcFieldName, "owner.Code"}, 1);
+              }),
               "ExcepcioEventsVyn: No trobat el component de tipus TDataSet: owner");
-    EXPECT_EQ(MessageOf([&] { alone.CapturaValorOrigen(nullptr, {tdcFieldName, "owner.Code"}, value); }),
+    EXPECT_EQ(MessageOf([&] {
+                  alone.CapturaValorOrigen(nullptr, {tdcFieldName, "owner.Code"}, value);
+              }),
               "ExcepcioEventsVyn: No trobat el component: owner");
 }
 
@@ -68,7 +72,7 @@ TEST_F(Operands, PropertiesAreReadByTheirKinds) {
     EXPECT_EQ(Source(tdcPropietat, "Amount.Text"), Variant("12.5"));
     EXPECT_EQ(Source(tdcPropietat, "Amount.Left"), Variant(40));
     EXPECT_EQ(Source(tdcPropietat, "Paid.Checked"), Variant(1)) << "an enumeration is its number";
-    edit->Anchors = {akLeft, akTop};
+    edit->SetAnchors({akLeft, akTop});
     EXPECT_EQ(Source(tdcPropietat, "Amount.Anchors"), Variant(3)) << "a set is its bits";
     edit->SetPasswordChar('*');
     EXPECT_EQ(Source(tdcPropietat, "Amount.PasswordChar"), Variant("*"));
@@ -102,8 +106,9 @@ TEST_F(Operands, PropertiesOfOtherKindsAreRefused) {
 }
 
 TEST_F(Operands, APropertyNeedsItsTwoNames) {
-    for (const auto& run : {std::function<AnsiString(AnsiString)>([&](AnsiString t) { return SourceError(tdcPropietat, t); }),
-                            std::function<AnsiString(AnsiString)>([&](AnsiString t) { return PutError(tdcPropietat, t); })}) {
+    for (const auto& run :
+         {std::function<AnsiString(AnsiString)>([&](AnsiString t) { return SourceError(tdcPropietat, t); }),
+          std::function<AnsiString(AnsiString)>([&](AnsiString t) { return PutError(tdcPropietat, t); })}) {
         EXPECT_EQ(run(".Text"), "ExcepcioEventsVyn: El nom del component no existeix");
         EXPECT_EQ(run("Amount"), "ExcepcioEventsVyn: El nom de la propietat no existeix");
         EXPECT_EQ(run("Amount..Text"), "ExcepcioEventsVyn: El nom de la propietat no existeix");
@@ -117,8 +122,7 @@ TEST_F(Operands, NamesAreLookedForUpwardThroughTheOwners) {
     EXPECT_EQ(events->ReturnComponent("Rules"), events);
     EXPECT_EQ(events->ReturnComponent("Orders"), form.get());
     EXPECT_EQ(events->ReturnComponent("amount"), edit) << "what a component owns is found whatever the letters' case";
-    EXPECT_EQ(MessageOf([&] { events->ReturnComponent("orders"); }),
-              "Exception: Componente: orders no encontrado")
+    EXPECT_EQ(MessageOf([&] { events->ReturnComponent("orders"); }), "Exception: Componente: orders no encontrado")
         << "a component's own name is compared as it is";
     auto* outer = new TComponent(nullptr);
     outer->SetName("App");
@@ -178,8 +182,7 @@ TEST_F(Operands, AFieldNeedsItsNamesAndADataSet) {
               AnsiString("ExcepcioEventsVyn: El componente Amount no es un TDataSet sinó un TEdit"_w));
     EXPECT_EQ(SourceError(tdcFieldName, "Lines.Wingspan"),
               "ExcepcioEventsVyn: El DataSet Lines no contiene un Field llamado: Wingspan");
-    EXPECT_EQ(PutError(tdcFieldName, ".Code"),
-              "ExcepcioEventsVyn: El nom del component de tipus TDataSet no existeix");
+    EXPECT_EQ(PutError(tdcFieldName, ".Code"), "ExcepcioEventsVyn: El nom del component de tipus TDataSet no existeix");
     EXPECT_EQ(PutError(tdcFieldName, "Lines"), "ExcepcioEventsVyn: El nom del Field no existeix");
     EXPECT_EQ(PutError(tdcFieldName, "Amount.Code"),
               AnsiString("ExcepcioEventsVyn: El component Amount no és un TDataSet sinó un TEdit"_w));
@@ -207,8 +210,7 @@ TEST_F(Operands, ANumberThatIsNoTypeIsAnError) {
               "ExcepcioEventsVyn: CapturaValor : Tipus de dada no valid");
     EXPECT_EQ(SourceError(static_cast<TTipusDadaCodi>(-1), ""),
               "ExcepcioEventsVyn: CapturaValor : Tipus de dada no valid");
-    EXPECT_EQ(PutError(static_cast<TTipusDadaCodi>(10), ""),
-              "ExcepcioEventsVyn: ExecutaCodi : Tipus de dada no valid");
+    EXPECT_EQ(PutError(static_cast<TTipusDadaCodi>(10), ""), "ExcepcioEventsVyn: ExecutaCodi : Tipus de dada no valid");
 }
 
 TEST_F(Operands, AnExpressionReadsTheOwnSetBeforeTheGlobalOne) {
