@@ -2,6 +2,7 @@
 
 #include "app/Utvynapp.h"
 #include "database/Udb_ado.h"
+#include "events/Ueventsvyn.h"
 #include "foundation/Uparametres.h"
 #include "parser/Uparservyn.h"
 #include "persistence/Uvynclss.h"
@@ -26,7 +27,7 @@ bool& Running() {
 constexpr const ClassInfo& (*kFrameworkClasses[])() = {
     &TVynApp::StaticClass,         &TParametres::StaticClass,     &TParametresChild::StaticClass,
     &TParametresList::StaticClass, &TTreeVynLink::StaticClass,    &TQuerySQL::StaticClass,
-    &TParserVyn::StaticClass,      &TDataBaseVynADO::StaticClass,
+    &TParserVyn::StaticClass,      &TDataBaseVynADO::StaticClass, &TEventsVyn::StaticClass,
 };
 
 void LinkFrameworkClasses() {
@@ -65,6 +66,7 @@ void InitializePackage() {
     InitializeVynRegisteredClasses();
     RegistraClasse(TTipusClasse::VynComp, &TParserVyn::StaticClass(), false, TNotifyEvent());
     RegistraClasse(TTipusClasse::VynComp, &TQuerySQL::StaticClass(), false, TNotifyEvent());
+    RegistraClasse(TTipusClasse::VynComp, &TEventsVyn::StaticClass(), false, TNotifyEvent());
     InitializeDb_ado();
 }
 
