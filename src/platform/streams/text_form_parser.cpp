@@ -385,7 +385,10 @@ class FormParser {
         double value = 0;
         if (!TryParseDouble(number, value) || !std::isfinite(value)) Fail("the number " + number + " is too large");
         if (suffix == 's') {
-            const float single = std::strtof(number.c_str(), nullptr);
+            // Out of range on either side: the double tells the too small, which is zero, from the too large.
+            float single = 0;
+            if (std::from_chars(number.data(), number.data() + number.size(), single).ec != std::errc())
+                single = static_cast<float>(value);
             if (!std::isfinite(single)) Fail("the number " + number + " is too large for a single");
             writer_.WriteSingle(single);
         } else if (suffix == 'd') {

@@ -169,15 +169,7 @@ class FormPrinter {
     }
     void PrintSingle(float value) {
         if (!std::isfinite(value)) NoText("a number that is not finite");
-        // The shortest decimal that reads back to the same single.
-        for (int digits = 1;; ++digits) {
-            char buffer[48];
-            std::snprintf(buffer, sizeof buffer, "%.*g", digits, static_cast<double>(value));
-            if (std::strtof(buffer, nullptr) == value) {
-                text_ += std::string(buffer) + "s";
-                return;
-            }
-        }
+        text_ += ShortestSingle(value) + "s";
     }
     void PrintCurrency(Currency value) {
         // Exact: the integer, and up to four decimals.

@@ -239,6 +239,7 @@ double StrToFloatDef(std::string_view text, double otherwise, const TFormatSetti
     return TryStrToFloat(text, value, settings) ? value : otherwise;
 }
 
+AnsiString ShortestSingle(float value) { return numbers_detail::Shortest(value); }
 AnsiString ShortestDouble(double value) { return numbers_detail::Shortest(value); }
 AnsiString ShortestExtended(long double value) { return numbers_detail::Shortest(value); }
 

@@ -64,10 +64,11 @@ double StrToFloatDef(std::string_view text, double otherwise, const TFormatSetti
 
 // The shortest decimal that reads back to the same value, whatever the locale: "." as separator, plain notation for
 // exponents from -4 to 17, else 1.5E20. NAN, INF and -INF for the values that are no number; -0 keeps its sign.
+AnsiString ShortestSingle(float value);
 AnsiString ShortestDouble(double value);
 AnsiString ShortestExtended(long double value);
 
-// Reads what the two above write (and blanks around it); raises EConvertError.
+// Reads what those write (and blanks around it); raises EConvertError.
 bool TryParseExtended(std::string_view text, long double& value);
 long double ParseExtended(std::string_view text);
 bool TryParseDouble(std::string_view text, double& value);

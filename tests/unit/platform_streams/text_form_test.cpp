@@ -34,6 +34,7 @@ TEST(TextForm, EveryValueReadsBackToTheSameBytes) {
         "  Whole = 2.0\n"
         "  Tiny = 1E-30\n"
         "  Single = 0.1s\n"
+        "  Smallest = 1E-45s\n"
         "  Money = -12.5c\n"
         "  Date = 46000.25d\n"
         "  Text =\n"
