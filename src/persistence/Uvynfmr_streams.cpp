@@ -293,9 +293,12 @@ class TreeWriter {
         long double value = 0;
         const size_t size = type == vaExtended ? ExtendedSize : type == vaSingle ? sizeof(float) : sizeof(double);
         if (!TakeRawNumber(property.Valor, bytes, size)) {
-            if (!TryParseExtended(property.Valor, value)) Invalid(property);
-            const auto asDouble = static_cast<double>(value);
-            const auto asSingle = static_cast<float>(value);
+            // Straight to the width that is stored: by way of a wider one it would be rounded twice.
+            double asDouble = 0;
+            if (type == vaExtended ? !TryParseExtended(property.Valor, value)
+                                   : !TryParseDouble(property.Valor, asDouble))
+                Invalid(property);
+            const auto asSingle = static_cast<float>(asDouble);
             if (type == vaExtended)
                 PutExtended(value, bytes);
             else if (type == vaSingle)

@@ -167,6 +167,12 @@ TEST(ResourceTree, NestingIsBounded) {
     EXPECT_THROW(Read(objects), EReadError);
 }
 
+TEST(ResourceTree, ADateIsNotRoundedTwice) {
+    // Its shortest text, read with more digits and then rounded to a date, would be the number beside it.
+    const std::string form("TPF0\x01T\x01N\x01P\x11\x11\xEB\xEE\xEE\xEE\x11\x11\x11\0\0", 21);
+    EXPECT_EQ(Bytes(*Read(form)), form);
+}
+
 TEST(ResourceTree, AnUnknownValueTypeIsRefused) {
     // A child that could not be told from the end of the list when it is stored again.
     EXPECT_EQ(MessageOf([] { Read(std::string("TPF0\x01T\x01N\0\xF0\0\0\0\0\0", 15)); }),
