@@ -2,11 +2,14 @@
 //
 // Bytes up to the first zero byte are the text, the rest is a value that the text may name "V".
 
+#include <pthread.h>
+
 #include "query/Uquerysql.h"
 #include "support/fuzz.h"
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    const std::string_view bytes = fuzzing::Bytes(data, size);
+namespace {
+
+void Expand(std::string_view bytes) {
     const size_t zero = std::min(bytes.find('\0'), bytes.size());
     const vyn::AnsiString text(bytes.substr(0, zero));
     vyn::InitializeParametres();
@@ -27,5 +30,26 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         }
     }
     vyn::FinalizeParametres();
+}
+
+// A text without end uses the whole stack up, which takes long with a large one.
+constexpr size_t kSmallStack = size_t{1} << 20;
+
+void* ExpandOnThread(void* bytes) {
+    Expand(*static_cast<std::string_view*>(bytes));
+    return nullptr;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    std::string_view bytes = fuzzing::Bytes(data, size);
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setstacksize(&attributes, kSmallStack);
+    pthread_t thread;
+    fuzzing::Require(pthread_create(&thread, &attributes, ExpandOnThread, &bytes) == 0, "a thread can be made");
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
     return 0;
 }

@@ -15,6 +15,8 @@ namespace vyn {
 namespace parametres_detail {
 
 constexpr char kDelimiter = '\xA1';  // the inverted exclamation mark
+// A text that grows beyond this while it is expanded holds itself.
+constexpr size_t kLongestText = size_t{1} << 28;
 constexpr char kNullWord[] = "NULL";
 // Named so in the files that exist; the name is theirs.
 constexpr char kHiddenProperty[] = "EventsVyn";
@@ -363,25 +365,45 @@ void TParametres::Assign(const TPersistent* source) {
     CopyValues(const_cast<TParametres&>(*other));
 }
 
-AnsiString TParametres::FormatText(const AnsiString& text) {
-    CheckStack();
-    const size_t first = text.find(parametres_detail::kDelimiter);
-    if (first == AnsiString::npos) return text;
-    const size_t second = text.find(parametres_detail::kDelimiter, first + 1);
-    if (second == AnsiString::npos) return text;
-    const AnsiString name = text.substr(first + 1, second - first - 1);
-    AnsiString replacement;
+namespace parametres_detail {
+
+// What stands for a name between two delimiters.
+AnsiString Replacement(const AnsiString& name) {
     try {
         TParametres* global = Parametres();
-        if (global && global->ParamExists(name))
-            replacement = VarToStr(global->GetParametreValue(name));
-        else
-            replacement = parametres_detail::kDelimiter + name + parametres_detail::kDelimiter;
+        if (global && global->ParamExists(name)) return VarToStr(global->GetParametreValue(name));
+        return kDelimiter + name + kDelimiter;
     } catch (const Exception&) {
         // A value that cannot be had is shown as nothing; the rest of the text is worth more.
-        replacement.clear();
+        return {};
     }
-    return FormatText(text.substr(0, first) + replacement + text.substr(second + 1));
+}
+
+// Before `from` there is no delimiter. In place, so that a text that is expanded without end uses the stack up and not
+// the memory.
+void ExpandText(AnsiString& text, size_t from) {
+    CheckStack();
+    const size_t first = text.find(kDelimiter, from);
+    if (first == AnsiString::npos) return;
+    const size_t second = text.find(kDelimiter, first + 1);
+    if (second == AnsiString::npos) return;
+    {
+        const AnsiString value = Replacement(text.substr(first + 1, second - first - 1));
+        if (text.size() + value.size() > kLongestText) throw EOutOfMemory("Out of memory");
+        text.replace(first, second - first + 1, value);
+    }
+    // Something is left to do after the call, so that it stays a call.
+    volatile size_t place = first;
+    ExpandText(text, place);
+    place = from;
+}
+
+}  // namespace parametres_detail
+
+AnsiString TParametres::FormatText(const AnsiString& text) {
+    AnsiString result = text;
+    parametres_detail::ExpandText(result, 0);
+    return result;
 }
 
 void TParametres::SaveToStream(TStream* stream) {
