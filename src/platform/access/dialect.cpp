@@ -42,6 +42,20 @@ AnsiString DateLiteral(const SqlToken& token, const EngineDialect& dialect) {
     return dialect.DateBefore + FormatDateTime(mask, days, InvariantFormatSettings()) + dialect.DateAfter;
 }
 
+AnsiString TextWithNul(std::string_view literal, const EngineDialect& dialect) {
+    const char quote = literal.front();
+    const bool closed = literal.size() > 1 && literal.back() == quote;
+    if (quote != '\'' || !closed || !dialect.TextWithNul)
+        throw EDatabaseError("The database cannot hold a NUL character in a text or name");
+    literal = literal.substr(1, literal.size() - 2);
+    AnsiString text;
+    for (size_t i = 0; i < literal.size(); ++i) {
+        text += literal[i];
+        if (literal[i] == quote) ++i;  // it stands twice
+    }
+    return dialect.TextWithNul(text);
+}
+
 // Writes tokens for an engine. A first walk finds the limits of rows: which tokens say them, and where they go.
 class Translator {
   public:
@@ -91,14 +105,20 @@ class Translator {
             case SqlTokenKind::Colons:
                 result.Text += parsing_ == ParameterParsing::Off ? "::" : ":";
                 return;
+            case SqlTokenKind::Quoted:
+                if (token.Text.find('\0') == std::string_view::npos) break;
+                result.Text += TextWithNul(token.Text, dialect_);
+                return;
             case SqlTokenKind::Blank:
             case SqlTokenKind::Comment:
             case SqlTokenKind::Identifier:
             case SqlTokenKind::Number:
-            case SqlTokenKind::Quoted:
             case SqlTokenKind::Symbol:
                 break;
         }
+        // Engines would take it for the statement's end, in silence.
+        if (token.Text.find('\0') != std::string_view::npos)
+            throw EDatabaseError("The statement holds a NUL character outside its texts");
         result.Text += token.Text;
     }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <string_view>
 #include <vector>
 
 #include "platform/text/ansi_string.h"
@@ -31,6 +33,9 @@ struct EngineDialect {
     AnsiString SameValue = " IS NOT DISTINCT FROM ";
     // Behind a SELECT that holds its row for the transaction; empty where writing locks.
     AnsiString HoldRow;
+    // The expression for a text (without its quotes) that holds a NUL character, at which statements end; without it
+    // the engine's texts can hold none.
+    std::function<AnsiString(std::string_view text)> TextWithNul;
 
     AnsiString QuotedName(const AnsiString& name) const;
 };
@@ -45,7 +50,7 @@ struct EngineSql {
 
 // Turns a statement as the framework writes it (date literals between #, [names], "TOP n," behind SELECT) into the
 // engine's. Token by token: what stands in quotes or comments stays as it is. With parsing on, ":name" is a parameter,
-// and two colons stand for one. Raises EDatabaseError for what no engine can be told (TOP n PERCENT).
+// and two colons stand for one. Raises EDatabaseError for what no engine can be told (TOP n PERCENT, a NUL character).
 EngineSql TranslateSql(const AnsiString& sql, const EngineDialect& dialect, ParameterParsing parsing);
 
 // The names of the parameters in a statement, each once, in the order of their first places.

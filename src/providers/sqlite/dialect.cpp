@@ -1,6 +1,18 @@
+#include "platform/text/numbers.h"
+#include "platform/text/windows1252.h"
 #include "providers/sqlite/connection.h"
 
 namespace vyn {
+
+namespace sqlite_dialect_detail {
+
+AnsiString TextOfBytes(std::string_view text) {
+    AnsiString result = "CAST(x'";
+    for (const char byte : AnsiToUtf8(text)) result += HexDigits(static_cast<unsigned char>(byte), 2);
+    return result + "' AS TEXT)";
+}
+
+}  // namespace sqlite_dialect_detail
 
 // Dates are texts that sort as they count: 2026-11-21, 10:20:30, 2026-11-21 10:20:30; at midnight the date alone, so
 // that a day is the same text in columns of dates and of dates with times.
@@ -10,6 +22,7 @@ const EngineDialect& sqlite_provider::Dialect() {
         made.Limit = EngineDialect::RowLimit::LimitAtEnd;
         made.MidnightIsDateAlone = true;
         made.SameValue = " IS ";
+        made.TextWithNul = sqlite_dialect_detail::TextOfBytes;
         return made;
     }();
     return dialect;

@@ -5,6 +5,7 @@
 #include "platform/access/ado.h"
 #include "platform/access/sql_tokens.h"
 #include "platform/text/exceptions.h"
+#include "platform/text/numbers.h"
 #include "providers/sqlite/connection.h"
 
 using namespace vyn;
@@ -130,4 +131,30 @@ TEST(Dialect, TheShapeOfAQueryIsReadFromItsText) {
     EXPECT_TRUE(ShapeOf("SELECT a FROM t UNION SELECT b FROM t").IsCompound);
     EXPECT_TRUE(ShapeOf("SELECT DISTINCT a FROM t").IsGrouped);
     EXPECT_TRUE(ShapeOf("SELECT a FROM t GROUP BY a").IsGrouped);
+}
+
+TEST(NulCharacters, InATextAreWrittenAsTheEngineCanTakeThem) {
+    EngineDialect dialect;
+    dialect.TextWithNul = [](std::string_view text) {
+        return "text(" + IntToStr(static_cast<int64_t>(text.size())) + ")";
+    };
+    const AnsiString sql("SELECT 'a''b\0', 'c'", 19);
+    EXPECT_EQ(TranslateSql(sql, dialect, ParameterParsing::On).Text, "SELECT text(4), 'c'");
+}
+
+TEST(NulCharacters, ThatNoEngineCanBeToldAreRefused) {
+    const auto messageOf = [](const AnsiString& sql) {
+        try {
+            TranslateSql(sql, EngineDialect(), ParameterParsing::On);
+        } catch (const EDatabaseError& error) {
+            return error.Message();
+        }
+        return AnsiString();
+    };
+    EXPECT_EQ(messageOf(AnsiString("SELECT 'a\0'", 11)), "The database cannot hold a NUL character in a text or name");
+    EXPECT_EQ(messageOf(AnsiString("SELECT \"a\0\"", 11)),
+              "The database cannot hold a NUL character in a text or name");
+    EXPECT_EQ(messageOf(AnsiString("SELECT 'a\0", 10)), "The database cannot hold a NUL character in a text or name");
+    EXPECT_EQ(messageOf(AnsiString("DELETE FROM t\0 WHERE a = 1", 26)),
+              "The statement holds a NUL character outside its texts");
 }
