@@ -1,5 +1,6 @@
 #include "database/Udb_ado.h"
 
+#include "database/sql_lines.h"
 #include "persistence/Uvynclss.h"
 
 namespace vyn {
@@ -55,7 +56,7 @@ TDataSet* TDataBaseVynADO::DoGetTSQLDataSet(const AnsiString& SQL, TComponent* o
     CheckDB();
     auto* query = new TADOQuery(owner);
     query->SetConnection(connection_);
-    query->SQL()->SetText(SQL);
+    AssignSqlLines(*query->SQL(), SQL, SQLStringSeparator);
     query->SetCursorLocation(clUseClient);
     query->SetLockType(readOnly ? ltReadOnly : ltOptimistic);
     if (!readOnly) query->SetCursorType(ctKeyset);
@@ -97,7 +98,7 @@ void TDataBaseVynADO::SetSQLToDataSet(const AnsiString& SQL, TDataSet* dataSet) 
     CheckDB();
     AnsiString corrected = SQL;
     CorrectParamCheckOnDateTime(dataSet, corrected);
-    db_ado_detail::RequireQuery(dataSet).SQL()->SetText(corrected);
+    AssignSqlLines(*db_ado_detail::RequireQuery(dataSet).SQL(), corrected, SQLStringSeparator);
 }
 
 void TDataBaseVynADO::GetSQLFromDataSet(TDataSet* dataSet, AnsiString& SQL) {

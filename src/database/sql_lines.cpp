@@ -62,6 +62,23 @@ void SqlLines::Follow(std::string_view text) {
     }
 }
 
+void AssignSqlLines(TStrings& lines, std::string_view text, char stringSeparator) {
+    lines.BeginUpdate();
+    lines.Clear();
+    AnsiString line;
+    for (SqlLines each(text, stringSeparator); each.Next();) {
+        line += each.Line();
+        if (each.Break() != sql_lines_detail::kBreak) {
+            line += each.Break();
+            continue;
+        }
+        lines.Add(line);
+        line.clear();
+    }
+    if (!line.empty()) lines.Add(line);
+    lines.EndUpdate();
+}
+
 bool TimeColons::Double(AnsiString& line) {
     const size_t first = line.find(':');
     if (first == AnsiString::npos) return false;

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "platform/text/ansi_string.h"
+#include "platform/objects/strings.h"
 
 namespace vyn {
 
@@ -32,6 +32,10 @@ class SqlLines {
     Inside inside_ = Inside::Nothing;
     char closing_ = 0;  // of the name that is open
 };
+
+// Replaces the lines by those of a text; a line break inside a literal stays where it is, within its line, so that the
+// lines' text is the text again.
+void AssignSqlLines(TStrings& lines, std::string_view text, char stringSeparator);
 
 // Doubles the colons of times in the lines of one statement, which are given in order.
 class TimeColons {

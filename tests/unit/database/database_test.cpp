@@ -1,5 +1,6 @@
 // Names, transactions, datasets and the colons of times.
 
+#include "database/sql_lines.h"
 #include "database_fixtures.h"
 #include "foundation/errors.h"
 #include "platform/streams/reader.h"
@@ -225,6 +226,18 @@ TEST_F(TimeColonsTest, LineBreaksInsideALiteralStay) {
     EXPECT_EQ(Text("A /* it's\n*/ B 'x\ny'"), "A /* it's\r\n*/ B 'x\ny'\r\n");
     EXPECT_EQ(Text("[it's]\n\"a'b\"\n'c\nd'"), "[it's]\r\n\"a'b\"\r\n'c\nd'\r\n");
     EXPECT_EQ(Text("'never closed\n"), "'never closed\n");
+}
+
+TEST_F(TimeColonsTest, LinesAreAssignedWithTheBreaksOfTheirLiterals) {
+    TStringList lines{"old"};
+    AssignSqlLines(lines, "A = 'x\ny\r' AND\nB", '\'');
+    EXPECT_EQ(lines.Count(), 2);
+    EXPECT_EQ(lines.At(0), "A = 'x\ny\r' AND");
+    EXPECT_EQ(lines.Text(), "A = 'x\ny\r' AND\r\nB\r\n");
+    AssignSqlLines(lines, "'open\n", '\'');
+    EXPECT_EQ(lines.Text(), "'open\n\r\n");
+    AssignSqlLines(lines, "", '\'');
+    EXPECT_EQ(lines.Count(), 0);
 }
 
 TEST(DatabaseStreams, PropertiesStandInTheirOrder) {
