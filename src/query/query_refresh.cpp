@@ -1,5 +1,6 @@
 // How a query's dataset is opened and opened again.
 
+#include "database/sql_lines.h"
 #include "foundation/stack_guard.h"
 #include "query/Uquerysql.h"
 
@@ -134,7 +135,7 @@ void TQuerySQL::GenerateStatement(TStrings* SQL) {
     RequireDataSet();
     AnsiString text;
     GetDataBaseVyn()->GetSQLFromDataSet(dataSet_, text);
-    SQL->SetText(text);
+    AssignSqlLines(*SQL, text, GetDataBaseVyn()->SQLStringSeparator);
     AplicaParametresSQL(SQL);
 }
 

@@ -7,7 +7,6 @@ using namespace query_fixtures;
 
 namespace {
 
-const AnsiString M = "\xA1";
 const AnsiString kError = "EQuerySQL: TQuerySQL ERROR - Q\n";
 
 }  // namespace

@@ -13,6 +13,9 @@ namespace query_fixtures {
 
 using namespace vyn;
 
+// The mark around parameter functions.
+inline const AnsiString M(1, CT_ParametreMark);
+
 // The class and text of what the action raises, or "no error".
 inline AnsiString MessageOf(const std::function<void()>& action) {
     try {
