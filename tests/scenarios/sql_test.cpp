@@ -103,6 +103,28 @@ TEST_F(Sql, OfAFormWithoutQueriesIsNothing) {
     EXPECT_EQ(Of(file).ExitStatus, 0);
 }
 
+TEST_F(Sql, OfAGivenStatementPutsTheValuesIn) {
+    const std::string file = FormWith(R"(  object Dades: TADOQuery
+    SQL.Strings = (
+      'SELECT * FROM CLIENTS'
+      'WHERE ID = ¡CODI¡')
+  end
+  object Directa: TQuerySQL
+    QryDataSet = Dades
+    SqlType = sql_DirectText
+  end
+)");
+    const Ended ended = Of(file, {"CODI=7"});
+    EXPECT_EQ(ended.Output, "-- Directa\nSELECT * FROM CLIENTS\nWHERE ID = 7\n") << ended.Told();
+}
+
+TEST_F(Sql, TheDatabaseIsNotOpenedForIt) {
+    const std::string database = "Provider=SQLite;Data Source=" + File("none/none.db");
+    const Ended ended = Of(FormWith(kClients), {"--database", database, "DATA=null"});
+    EXPECT_EQ(ended.ExitStatus, 0) << ended.Told();
+    EXPECT_THAT(ended.Output, testing::HasSubstr("ALTA > NULL"));
+}
+
 TEST_F(Sql, ATableHasNoStatement) {
     const Ended ended =
         Of(FormWith("  object Taula: TQuerySQL\n    FromSQL = 'T'\n    DataSetType = ds_Table\n  end\n"));

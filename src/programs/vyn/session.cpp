@@ -79,7 +79,8 @@ Session::Session(const RunOptions& options) {
         if (!SameText(name.substr(0, dot), session_detail::kModuleName)) return nullptr;
         return dot == std::string_view::npos ? data_.get() : data_->FindComponent(name.substr(dot + 1));
     });
-    database_ = std::make_unique<TDataBaseVyn>(nullptr);
+    database_ = std::make_unique<TDataBaseVynADO>(nullptr);
+    database_->SetADOConnection(connection_);
 
     app_ = std::make_unique<TVynApp>(nullptr);
     app_->AddDB(database_.get(), true);

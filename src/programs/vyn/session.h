@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "database/Udb_ado.h"
 #include "platform/access/ado.h"
 #include "platform/controls/data_modules.h"
 #include "programs/host/main_form.h"
@@ -12,7 +13,8 @@ namespace vyn {
 // One opened application: its application object, its database, its user values and its windows.
 //
 // The database is the one that the options name, the application's own (beside its file, under its name, ".db"), or an
-// empty one in memory. Forms reach it as "Dades.Connexio". Extension package and procedure libraries are those that
+// empty one in memory; it is not opened before it is needed. Queries reach it as the database DBDades, forms as
+// "Dades.Connexio". Extension package and procedure libraries are those that
 // stand beside the application: VYNB5400 and every library whose name ends in 54.
 class Session : public NodeOpener {
   public:
@@ -40,7 +42,7 @@ class Session : public NodeOpener {
     AnsiString valuesFile_;
     std::unique_ptr<TDataModule> data_;
     TADOConnection* connection_ = nullptr;
-    std::unique_ptr<TDataBaseVyn> database_;
+    std::unique_ptr<TDataBaseVynADO> database_;
     std::unique_ptr<TVynApp> app_;
     TFRMtnAplicacio* mainForm_ = nullptr;
 };
