@@ -154,12 +154,12 @@ void TDataBaseVynADO::AssignDataSourceToDataSet(TDataSet* dataSet, TDataSource* 
 }
 
 void TDataBaseVynADO::AllowParamCheck(TDataSet* dataSet, bool value) {
-    if (auto* query = ObjectCast<TADOQuery>(dataSet)) query->SetParamCheck(value);
+    if (auto* data = ObjectCast<TCustomADODataSet>(dataSet)) data->SetParamCheck(value);
 }
 
 bool TDataBaseVynADO::DataSetAllowParamCheck(TDataSet* dataSet) {
-    const auto* query = ObjectCast<TADOQuery>(dataSet);
-    return query && query->ParamCheck();
+    const auto* data = ObjectCast<TCustomADODataSet>(dataSet);
+    return data && data->ParamCheck();
 }
 
 TADOConnection* CreateADOConnection(TComponent* owner, const AnsiString& fileName) {

@@ -43,7 +43,7 @@ class TDataBaseVynADO : public TDataBaseVyn {
     // field of that name; without such a field it has neither. Other datasets than queries and tables are left alone.
     void AssignDataSourceToDataSet(TDataSet* dataSet, TDataSource* source, const AnsiString& masterFields,
                                    const AnsiString& indexFieldNames) override;
-    // Tables have no text in which parameters could be: they never look for them.
+    // A setting of queries and tables alike; datasets of other kinds have none, and never look for parameters.
     void AllowParamCheck(TDataSet* dataSet, bool value) override;
     bool DataSetAllowParamCheck(TDataSet* dataSet) override;
 

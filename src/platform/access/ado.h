@@ -44,6 +44,10 @@ class TCustomADODataSet : public TDataSet {
     void SetCursorLocation(TCursorLocation value);
     TCursorType CursorType() const { return cursorType_; }
     void SetCursorType(TCursorType value);
+    // Whether parameters are looked for in the statement; without it colons are nothing special, and parameters go by
+    // order to the marks "?". Tables have no statement of their own: they only keep the setting.
+    bool ParamCheck() const { return paramCheck_; }
+    void SetParamCheck(bool value);
     int32_t CacheSize = 1;
     int32_t CommandTimeout = 30;
     TExecuteOptions ExecuteOptions;
@@ -57,7 +61,8 @@ class TCustomADODataSet : public TDataSet {
   protected:
     class MasterLink;
     virtual AnsiString CommandText() = 0;
-    virtual ParameterParsing Parsing() const { return ParameterParsing::On; }
+    virtual ParameterParsing Parsing() const { return paramCheck_ ? ParameterParsing::On : ParameterParsing::Off; }
+    virtual void ParamCheckChanged() {}
     // The values of a statement's parameters, by its marks.
     virtual std::vector<ProviderValue> ParameterValues(const EngineSql& sql, int count) = 0;
     // The master moved, changed, opened or closed.
@@ -90,6 +95,7 @@ class TCustomADODataSet : public TDataSet {
     TADOLockType lockType_ = ltOptimistic;
     TCursorLocation cursorLocation_ = clUseClient;
     TCursorType cursorType_ = ctKeyset;
+    bool paramCheck_ = true;
 };
 
 // The rows of a SELECT statement. Its parameters (":name") take their values from Parameters, and from the fields of
@@ -104,10 +110,6 @@ class TADOQuery : public TCustomADODataSet {
     void SetSQL(TStrings* value) { sql_.Assign(value); }
     TParameters* Parameters() const { return parameters_.get(); }
     void SetParameters(TParameters* value) { parameters_->Assign(value); }
-    // Whether parameters are looked for in SQL; without it colons are nothing special, and parameters go by order to
-    // the marks "?".
-    bool ParamCheck() const { return paramCheck_; }
-    void SetParamCheck(bool value);
     TDataSource* DataSource() const { return GetDataSource(); }
     void SetDataSource(TDataSource* value) { SetMaster(value); }
     // Runs a statement that gives no rows; gives the number of rows that changed.
@@ -118,7 +120,7 @@ class TADOQuery : public TCustomADODataSet {
 
   protected:
     AnsiString CommandText() override;
-    ParameterParsing Parsing() const override { return paramCheck_ ? ParameterParsing::On : ParameterParsing::Off; }
+    void ParamCheckChanged() override { SqlChanged(); }
     std::vector<ProviderValue> ParameterValues(const EngineSql& sql, int count) override;
     void MasterChanged() override;
 
@@ -129,7 +131,6 @@ class TADOQuery : public TCustomADODataSet {
 
     TStringList sql_;
     std::unique_ptr<TParameters> parameters_;
-    bool paramCheck_ = true;
     int64_t rowsAffected_ = 0;
 };
 

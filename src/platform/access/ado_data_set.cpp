@@ -159,6 +159,12 @@ void TCustomADODataSet::SetCursorType(TCursorType value) {
     cursorType_ = value;
 }
 
+void TCustomADODataSet::SetParamCheck(bool value) {
+    if (value == paramCheck_) return;
+    paramCheck_ = value;
+    ParamCheckChanged();
+}
+
 void TCustomADODataSet::Notification(TComponent* component, TOperation operation) {
     TDataSet::Notification(component, operation);
     if (operation == opRemove && component == connection_) SetConnection(nullptr);

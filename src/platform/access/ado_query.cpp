@@ -33,18 +33,12 @@ TADOQuery::~TADOQuery() { BeginDestruction(); }
 
 void TADOQuery::SqlChanged() {
     // A form's stored parameters come before or after its statement.
-    if (paramCheck_ && !HasState(csLoading)) parameters_->ParseSQL(sql_.Text());
+    if (ParamCheck() && !HasState(csLoading)) parameters_->ParseSQL(sql_.Text());
 }
 
 void TADOQuery::Loaded() {
-    if (paramCheck_) parameters_->ParseSQL(sql_.Text());
+    if (ParamCheck()) parameters_->ParseSQL(sql_.Text());
     TCustomADODataSet::Loaded();
-}
-
-void TADOQuery::SetParamCheck(bool value) {
-    if (value == paramCheck_) return;
-    paramCheck_ = value;
-    SqlChanged();
 }
 
 AnsiString TADOQuery::CommandText() {
@@ -97,7 +91,7 @@ std::vector<ProviderValue> TADOQuery::ParameterValues(const EngineSql& sql, int 
         return ProviderValue{type, CellOf(value, type)};
     };
     std::vector<ProviderValue> values;
-    if (paramCheck_) {
+    if (ParamCheck()) {
         for (const AnsiString& name : sql.ParameterNames) values.push_back(valueOf(*parameters_->ParamByName(name)));
         return values;
     }

@@ -171,7 +171,118 @@ TEST_F(AdoDatabase, ParameterParsingIsTheQuerys) {
     database.AllowParamCheck(query, false);
     EXPECT_FALSE(query->ParamCheck());
     EXPECT_FALSE(database.DataSetAllowParamCheck(query));
-    EXPECT_FALSE(database.DataSetAllowParamCheck(Table("clients")));
+}
+
+TEST_F(AdoDatabase, TablesKeepTheSettingAndOtherDatasetsHaveNone) {
+    TADOTable* table = Table("clients");
+    EXPECT_TRUE(database.DataSetAllowParamCheck(table));
+    database.AllowParamCheck(table, false);
+    EXPECT_FALSE(table->ParamCheck());
+    EXPECT_FALSE(database.DataSetAllowParamCheck(table));
+    RecordingDataSet other(nullptr);
+    database.AllowParamCheck(&other, true);
+    EXPECT_FALSE(database.DataSetAllowParamCheck(&other));
+}
+
+TEST_F(AdoDatabase, TextsStayWhereParametersAreNotLookedFor) {
+    TADOQuery* query = Query("");
+    database.AllowParamCheck(query, false);
+    database.SetSQLToDataSet("SELECT id FROM comandes WHERE data = #03/09/2001 10:30:00#", query);
+    AnsiString text;
+    database.GetSQLFromDataSet(query, text);
+    EXPECT_EQ(text, "SELECT id FROM comandes WHERE data = #03/09/2001 10:30:00#\r\n");
+    query->Open();
+    EXPECT_EQ(query->RecordCount(), 1);
+}
+
+TEST_F(AdoDatabase, ATextThatIsSetReplacesTheOneBeforeAndClosesTheResult) {
+    TADOQuery* query = Query("SELECT * FROM clients");
+    query->Open();
+    database.SetSQLToDataSet("SELECT * FROM comandes", query);
+    EXPECT_FALSE(query->Active());
+    AnsiString text;
+    database.GetSQLFromDataSet(query, text);
+    EXPECT_EQ(text, "SELECT * FROM comandes\r\n");
+    database.SetSQLToDataSet("", query);
+    database.GetSQLFromDataSet(query, text);
+    EXPECT_EQ(text, "");
+}
+
+TEST_F(AdoDatabase, ATextIsCorrectedBeforeTheDatasetIsLookedAt) {
+    // The kind of the dataset is told after the correction: a table's setting is asked, then the table refused.
+    EXPECT_EQ(MessageOf([&] { database.SetSQLToDataSet("a 10:20", Table("clients")); }),
+              "Exception: DataSet is not a TADOQuery");
+    EXPECT_EQ(MessageOf([&] { database.SetSQLToDataSet("a 10:20", nullptr); }),
+              "Exception: DataSet is not a TADOQuery");
+}
+
+TEST_F(AdoDatabase, LinkingADatasetOfAnotherKindDoesNothing) {
+    TDataSource source(nullptr);
+    RecordingDataSet other(nullptr);
+    database.AssignDataSourceToDataSet(&other, &source, "id", "client");
+    EXPECT_EQ(other.GetDataSource(), nullptr);
+    database.AssignDataSourceToDataSet(nullptr, &source, "id", "client");
+}
+
+TEST_F(AdoDatabase, AnOpenDetailTableIsLinkedAnew) {
+    TADOTable* master = Table("clients");
+    TADOTable* detail = Table("comandes");
+    TDataSource source(nullptr);
+    source.SetDataSet(master);
+    master->Open();
+    detail->Open();
+    EXPECT_EQ(detail->RecordCount(), 3);
+    database.AssignDataSourceToDataSet(detail, &source, "id", "client");
+    EXPECT_EQ(detail->RecordCount(), 2);
+    database.AssignDataSourceToDataSet(detail, nullptr, "", "");
+    EXPECT_EQ(detail->MasterSource(), nullptr);
+    EXPECT_EQ(detail->RecordCount(), 3);
+}
+
+TEST_F(AdoDatabase, AParameterThatIsThereIsTakenWhateverItsCase) {
+    TADOTable* master = Table("clients");
+    TDataSource source(nullptr);
+    source.SetDataSet(master);
+    TADOQuery* detail = Query("SELECT * FROM comandes WHERE client = :ID AND id > :least");
+    master->Open();
+    database.AssignDataSourceToDataSet(detail, &source, "id", "");
+    EXPECT_EQ(detail->Parameters()->Count(), 2);
+    EXPECT_EQ(detail->Parameters()->Items(0)->Value().AsInteger(), 1);
+    EXPECT_TRUE(detail->Parameters()->Items(1)->Value().IsEmpty());
+}
+
+TEST_F(AdoDatabase, AClosedMasterGivesTheTypeAndNoValue) {
+    TADOTable* master = Table("clients");
+    auto* field = new TIntegerField(master);
+    field->SetFieldName("id");
+    field->SetDataSet(master);
+    TDataSource source(nullptr);
+    source.SetDataSet(master);
+    TADOQuery* detail = Query("SELECT * FROM comandes WHERE client = :id");
+    database.AssignDataSourceToDataSet(detail, &source, "id", "");
+    EXPECT_EQ(detail->Parameters()->Items(0)->DataType, ftInteger);
+    EXPECT_TRUE(detail->Parameters()->Items(0)->Value().IsEmpty());
+}
+
+TEST_F(AdoDatabase, WithoutASourceTheParameterIsMadeAllTheSame) {
+    TADOQuery* detail = Query("SELECT * FROM comandes");
+    database.AssignDataSourceToDataSet(detail, nullptr, "id", "");
+    EXPECT_EQ(detail->DataSource(), nullptr);
+    ASSERT_EQ(detail->Parameters()->Count(), 1);
+    EXPECT_EQ(detail->Parameters()->Items(0)->Name, "id");
+}
+
+TEST_F(AdoDatabase, TransactionsInTransactionsAreThePartThatTheyHold) {
+    const int outer = database.StartTransaction();
+    database.ExecuteSQL("DELETE FROM clients WHERE id = 1");
+    const int inner = database.StartTransaction();
+    database.ExecuteSQL("DELETE FROM clients WHERE id = 2");
+    database.RollBackTransaction(inner);
+    database.CommitTransaction(outer);
+    TADOTable* table = Table("clients");
+    table->Open();
+    EXPECT_EQ(table->RecordCount(), 2);
+    EXPECT_EQ(table->FieldByName("id")->AsInteger(), 2);
 }
 
 TEST_F(AdoDatabase, ADetailTableFollowsItsMaster) {
