@@ -99,8 +99,9 @@ TEST_F(AdoDataSet, ATableWithoutANameOrThatIsNotThereSaysSo) {
 }
 
 TEST_F(AdoDataSet, ParametersAreFoundOutsideQuotesAndComments) {
-    TADOQuery& query = Query("SELECT ':no', \"id\", [id] FROM clients /* :no */ WHERE id = :a AND nom <> ':no' -- :no\n"
-                             "AND nom = :\"two words\" AND id = :A");
+    TADOQuery& query = Query(
+        "SELECT ':no', \"id\", [id] FROM clients /* :no */ WHERE id = :a AND nom <> ':no' -- :no\n"
+        "AND nom = :\"two words\" AND id = :A");
     ASSERT_EQ(query.Parameters()->Count(), 2);
     EXPECT_EQ(query.Parameters()->Items(0)->Name, "a");
     EXPECT_EQ(query.Parameters()->Items(1)->Name, "two words");
