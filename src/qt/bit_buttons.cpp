@@ -12,6 +12,7 @@
 #include "qt/looks.h"
 #include "qt/painted.h"
 #include "qt/pictures.h"
+#include "qt/press.h"
 #include "qt/text.h"
 
 // Buttons with a picture: the desktop's panel, our layout of picture and caption.
@@ -134,39 +135,15 @@ class SpeedButtonPeer final : public PeerOf<TSpeedButton> {
 
     bool MouseHappened(QWidget& widget, QEvent& event, const NativeCall& native) override {
         const Watch alive(*this);
-        switch (event.type()) {
-            case QEvent::MouseButtonPress:
-            case QEvent::MouseButtonDblClick:
-                if (static_cast<QMouseEvent&>(event).button() == Qt::LeftButton) pressed_ = true;
-                widget_->update();
-                break;
-            case QEvent::MouseButtonRelease: {
-                const bool inside = widget_->rect().contains(static_cast<QMouseEvent&>(event).position().toPoint());
-                const bool press = std::exchange(pressed_, false) && inside;
-                widget_->update();
-                if (press && widget_->isEnabled()) Guard(&Self(), [this] { Self().ProcessPress(); });
-                if (!alive) return true;
-                break;
-            }
-            case QEvent::MouseMove:
-                over_ = widget_->rect().contains(static_cast<QMouseEvent&>(event).position().toPoint());
-                if (pressed_) widget_->update();
-                break;
-            case QEvent::Enter:
-            case QEvent::Leave:
-                over_ = event.type() == QEvent::Enter;
-                widget_->update();
-                break;
-            default:
-                break;
-        }
+        if (press_.Follow(*widget_, event)) Guard(&Self(), [this] { Self().ProcessPress(); });
+        if (!alive) return true;
         return PeerOf::MouseHappened(widget, event, native);
     }
     bool TakesDoubleClicks() const override { return false; }
 
     void Paint(QPainter& painter) {
         TSpeedButton& button = Self();
-        const bool sunken = pressed_ && over_;
+        const bool sunken = press_.Sunken();
         QStyleOptionToolButton option;
         option.initFrom(widget_);
         option.subControls = QStyle::SC_ToolButton;
@@ -184,10 +161,7 @@ class SpeedButtonPeer final : public PeerOf<TSpeedButton> {
             button.Caption(), button.Layout(), button.Margin(), button.Spacing(), *widget_, sunken);
     }
 
-    QString AccessibleName() const override {
-        return Self().Caption().empty() ? ToQt(TControl::GetShortHint(Self().Hint()))
-                                        : WithoutMnemonic(Self().Caption());
-    }
+    QString AccessibleName() const override { return ButtonName(Self()); }
 
   protected:
     QWidget* MakeWidget(QWidget* parent) override {
@@ -199,8 +173,7 @@ class SpeedButtonPeer final : public PeerOf<TSpeedButton> {
     void ApplySelection() override { widget_->update(); }
 
   private:
-    bool pressed_ = false;
-    bool over_ = false;
+    Press press_;
 };
 
 }  // namespace bit_button_detail

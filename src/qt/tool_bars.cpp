@@ -9,6 +9,7 @@
 #include "qt/looks.h"
 #include "qt/painted.h"
 #include "qt/pictures.h"
+#include "qt/press.h"
 #include "qt/text.h"
 
 namespace vyn::qt {
@@ -51,41 +52,19 @@ class ToolButtonPeer final : public PeerOf<TToolButton> {
     bool MouseHappened(QWidget& widget, QEvent& event, const NativeCall& native) override {
         const Watch alive(*this);
         TToolButton& button = Self();
-        switch (event.type()) {
-            case QEvent::MouseButtonPress:
-            case QEvent::MouseButtonDblClick: {
-                const auto& mouse = static_cast<QMouseEvent&>(event);
-                if (mouse.button() != Qt::LeftButton || button.IsSeparator() || !widget_->isEnabled()) break;
-                const bool arrow = HasArrow() && mouse.position().x() >= widget_->width() - kArrowWidth;
-                if (arrow || (button.DropdownMenu() && button.Style() == tbsButton)) {
-                    Guard(&button, [&] { button.CheckMenuDropdown(); });
-                    if (alive) widget.update();
-                    return true;
-                }
-                pressed_ = true;
-                widget_->update();
-                break;
+        if (event.type() == QEvent::MouseButtonPress || event.type() == QEvent::MouseButtonDblClick) {
+            const auto& mouse = static_cast<QMouseEvent&>(event);
+            if (mouse.button() != Qt::LeftButton || button.IsSeparator() || !widget_->isEnabled())
+                return PeerOf::MouseHappened(widget, event, native);
+            const bool arrow = HasArrow() && mouse.position().x() >= widget_->width() - kArrowWidth;
+            if (arrow || (button.DropdownMenu() && button.Style() == tbsButton)) {
+                Guard(&button, [&] { button.CheckMenuDropdown(); });
+                if (alive) widget.update();
+                return true;
             }
-            case QEvent::MouseButtonRelease: {
-                const bool inside = widget_->rect().contains(static_cast<QMouseEvent&>(event).position().toPoint());
-                const bool press = std::exchange(pressed_, false) && inside;
-                widget_->update();
-                if (press && widget_->isEnabled()) Guard(&button, [&] { button.ProcessPress(); });
-                if (!alive) return true;
-                break;
-            }
-            case QEvent::MouseMove:
-                inside_ = widget_->rect().contains(static_cast<QMouseEvent&>(event).position().toPoint());
-                if (pressed_) widget_->update();
-                break;
-            case QEvent::Enter:
-            case QEvent::Leave:
-                inside_ = event.type() == QEvent::Enter;
-                widget_->update();
-                break;
-            default:
-                break;
         }
+        if (press_.Follow(*widget_, event)) Guard(&button, [&] { button.ProcessPress(); });
+        if (!alive) return true;
         return PeerOf::MouseHappened(widget, event, native);
     }
 
@@ -96,7 +75,7 @@ class ToolButtonPeer final : public PeerOf<TToolButton> {
             PaintSeparator(painter);
             return;
         }
-        const bool sunken = pressed_ && inside_;
+        const bool sunken = press_.Sunken();
         QStyleOptionToolButton option;
         option.initFrom(widget_);
         option.state |= QStyle::State_AutoRaise;
@@ -122,10 +101,7 @@ class ToolButtonPeer final : public PeerOf<TToolButton> {
                          sunken);
     }
 
-    QString AccessibleName() const override {
-        return Self().Caption().empty() ? ToQt(TControl::GetShortHint(Self().Hint()))
-                                        : WithoutMnemonic(Self().Caption());
-    }
+    QString AccessibleName() const override { return ButtonName(Self()); }
 
   protected:
     QWidget* MakeWidget(QWidget* parent) override {
@@ -169,8 +145,7 @@ class ToolButtonPeer final : public PeerOf<TToolButton> {
         return at(bar->Images());
     }
 
-    bool pressed_ = false;
-    bool inside_ = false;
+    Press press_;
 };
 
 }  // namespace tool_bar_detail
