@@ -243,7 +243,7 @@ class TreeWriter {
 
   private:
     void WriteObject(const TRecursosObjecte& object) {
-        writer_.WritePrefix(object.Flags, object.Posicio);
+        writer_.WritePrefix(object.Flags, object.Posicio, object.Classe);
         writer_.WriteName(object.Classe);
         writer_.WriteName(object.Name);
         WriteProperties(object.Propietats);

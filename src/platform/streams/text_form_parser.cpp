@@ -260,7 +260,7 @@ class FormParser {
             flags |= ffChildPos;
             Take(']');
         }
-        writer_.WritePrefix(flags, childPos);
+        writer_.WritePrefix(flags, childPos, className);
         WriteName(className);
         WriteName(name);
         ParseProperties();

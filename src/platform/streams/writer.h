@@ -62,7 +62,9 @@ class TWriter final : public TFiler {
     void WriteDescendent(TComponent& root, TComponent* ancestor);
     void WriteComponent(TComponent& component);
     void WriteSignature();
-    void WritePrefix(uint8_t flags, int childPos);
+    // What stands before an object's class name: its flags, and its place where they say so. Without flags there is
+    // nothing, but before a name so long that its length would be taken for a prefix.
+    void WritePrefix(uint8_t flags, int childPos, std::string_view className);
     void WriteProperties(TPersistent& instance);
     void WriteCollection(const class TCollection& collection);
 

@@ -52,8 +52,8 @@ void WriteComponentToStream(TStream& stream, TComponent& root) {
 
 void TWriter::WriteSignature() { WriteRaw(writer_detail::kSignature); }
 
-void TWriter::WritePrefix(uint8_t flags, int childPos) {
-    if (flags == 0) return;
+void TWriter::WritePrefix(uint8_t flags, int childPos, std::string_view className) {
+    if (flags == 0 && className.size() < writer_detail::kPrefix) return;
     PutByte(writer_detail::kPrefix | flags);
     if (flags & ffChildPos) WriteInteger(childPos);
 }
@@ -79,8 +79,9 @@ void TWriter::WriteComponent(TComponent& component) {
     uint8_t flags = 0;
     if (ancestor) flags |= ffInherited;
     if (component.HasState(csInline)) flags |= ffInline;
-    WritePrefix(flags, -1);
-    WriteName(component.ClassName());
+    const AnsiString& className = component.ClassName();
+    WritePrefix(flags, -1, className);
+    WriteName(className);
     WriteName(component.Name());
     component.WriteState(*this);
 }

@@ -87,7 +87,7 @@ std::string EveryValue() {
     w.WriteListBegin(), w.WriteListEnd();
     w.WriteListEnd();
     w.WriteName("");
-    w.WritePrefix(ffInherited | ffChildPos, 2);
+    w.WritePrefix(ffInherited | ffChildPos, 2, "TEdit");
     w.WriteName("TEdit");
     w.WriteName("Edit1");
     w.WriteName("");
@@ -170,6 +170,13 @@ TEST(ResourceTree, NestingIsBounded) {
 TEST(ResourceTree, ADateIsNotRoundedTwice) {
     // Its shortest text, read with more digits and then rounded to a date, would be the number beside it.
     const std::string form("TPF0\x01T\x01N\x01P\x11\x11\xEB\xEE\xEE\xEE\x11\x11\x11\0\0", 21);
+    EXPECT_EQ(Bytes(*Read(form)), form);
+}
+
+TEST(ResourceTree, AClassNameWhoseLengthLooksLikeAPrefixKeepsItsOwn) {
+    const std::string className(0xF2, 'C');
+    const std::string form =
+        "TPF0\x01T\x01N" + std::string(1, '\0') + "\xF0\xF2" + className + "\x01M" + std::string(3, '\0');
     EXPECT_EQ(Bytes(*Read(form)), form);
 }
 

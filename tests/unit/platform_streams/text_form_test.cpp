@@ -73,6 +73,12 @@ TEST(TextForm, EveryValueReadsBackToTheSameBytes) {
     EXPECT_EQ(ToText(ToBinary(text)), text);
 }
 
+TEST(TextForm, AClassNameWhoseLengthLooksLikeAPrefixKeepsItsOwn) {
+    const std::string text = "object N: " + std::string(0xF2, 'C') + "\nend\n";
+    EXPECT_EQ(ToBinary(text).substr(4, 2), "\xF0\xF2");
+    EXPECT_EQ(ToText(ToBinary(text)), text);
+}
+
 TEST(TextForm, LongStringsAreBrokenAfterLineEndsAndAtTheWidth) {
     TMemoryStream stream;
     TWriter writer(stream);
