@@ -2,6 +2,7 @@
 
 #include "app/Utvynapp.h"
 #include "database/Udb_ado.h"
+#include "events/Ucampsbuscar.h"
 #include "events/Ueventsvyn.h"
 #include "foundation/Uparametres.h"
 #include "parser/Uparservyn.h"
@@ -28,6 +29,7 @@ constexpr const ClassInfo& (*kFrameworkClasses[])() = {
     &TVynApp::StaticClass,         &TParametres::StaticClass,     &TParametresChild::StaticClass,
     &TParametresList::StaticClass, &TTreeVynLink::StaticClass,    &TQuerySQL::StaticClass,
     &TParserVyn::StaticClass,      &TDataBaseVynADO::StaticClass, &TEventsVyn::StaticClass,
+    &TCampsBuscar::StaticClass,
 };
 
 void LinkFrameworkClasses() {
@@ -42,6 +44,24 @@ void RegisterUnlistedClasses() {
             each->InheritsFrom(&TADOConnection::StaticClass()) || each->InheritsFrom(&TDataBaseVyn::StaticClass());
         if (isData || each->Name() == "TPopupMenu") RegisterClass(each);
     }
+}
+
+// The framework's components for forms, in the order of the palette.
+constexpr const ClassInfo& (*kComponentUnit[])() = {
+    &TCampsBuscar::StaticClass,
+    &TParserVyn::StaticClass,
+    &TQuerySQL::StaticClass,
+    &TEventsVyn::StaticClass,
+};
+
+void RegisterComponentUnit() {
+    for (const auto& classOf : kComponentUnit) RegistraClasse(TTipusClasse::VynComp, &classOf(), false, TNotifyEvent());
+}
+
+void UnregisterComponentUnit() {
+    TVynClassesRegistrades& registry = *VynRegisteredClasses();
+    for (const auto& classOf : kComponentUnit)
+        if (const int at = registry.IndexOfClasse(&classOf()); at >= 0) registry.DelClasse(at);
 }
 
 // At the end nothing is linked and nothing registered: the package may start again.
@@ -64,9 +84,7 @@ void InitializePackage() {
     package_detail::RegisterUnlistedClasses();
     InitializeParametres();
     InitializeVynRegisteredClasses();
-    RegistraClasse(TTipusClasse::VynComp, &TParserVyn::StaticClass(), false, TNotifyEvent());
-    RegistraClasse(TTipusClasse::VynComp, &TQuerySQL::StaticClass(), false, TNotifyEvent());
-    RegistraClasse(TTipusClasse::VynComp, &TEventsVyn::StaticClass(), false, TNotifyEvent());
+    package_detail::RegisterComponentUnit();
     InitializeDb_ado();
 }
 
@@ -74,6 +92,7 @@ void FinalizePackage() {
     if (!package_detail::Running()) return;
     package_detail::Running() = false;
     FinalizeDb_ado();
+    package_detail::UnregisterComponentUnit();
     FinalizeVynRegisteredClasses();
     FinalizeParametres();
     package_detail::UnlinkAllClasses();

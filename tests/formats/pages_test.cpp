@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "database/dictionaries.h"
+#include "events/Ucampsbuscar.h"
 #include "foundation/Uparametres.h"
 #include "page.h"
 #include "platform/streams/reader.h"
@@ -188,4 +189,18 @@ TEST(FormatPages, TheFieldsOfAQueryAreReadAndWrittenBack) {
         query.FieldsSQL()->WriteToWriter(&writer);
     }
     EXPECT_EQ(written.Bytes(), bytes);
+}
+
+TEST(FormatPages, TheSearchFieldsAreRead) {
+    const std::string bytes = Page("search-fields.md").ExampleBytes();
+    TViewStream stream(bytes);
+    TReader reader(stream);
+    TCampsBuscar fields(nullptr);
+    fields.ReadData(reader);
+    EXPECT_EQ(reader.BytesLeft(), 0);
+    ASSERT_EQ(fields.Count(), 2);
+    EXPECT_EQ(fields.GetCampsBuscarComponent(0),
+              (TCampBuscar{nullptr, "EName", 1, 0, "Client", -1, "", "", 7, true, "*", {{"A"}}}));
+    EXPECT_EQ(fields.GetCampsBuscarComponent(1),
+              (TCampBuscar{nullptr, "ECode", 2, 0, "", 0, "", "", 0, false, "", {}}));
 }
