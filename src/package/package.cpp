@@ -4,6 +4,7 @@
 #include "database/Udb_ado.h"
 #include "events/Ucampsbuscar.h"
 #include "events/Ueventsvyn.h"
+#include "events/Utvynsubcons.h"
 #include "foundation/Uparametres.h"
 #include "parser/Uparservyn.h"
 #include "persistence/Uvynclss.h"
@@ -29,7 +30,7 @@ constexpr const ClassInfo& (*kFrameworkClasses[])() = {
     &TVynApp::StaticClass,         &TParametres::StaticClass,     &TParametresChild::StaticClass,
     &TParametresList::StaticClass, &TTreeVynLink::StaticClass,    &TQuerySQL::StaticClass,
     &TParserVyn::StaticClass,      &TDataBaseVynADO::StaticClass, &TEventsVyn::StaticClass,
-    &TCampsBuscar::StaticClass,
+    &TCampsBuscar::StaticClass,    &TSubConsultes::StaticClass,
 };
 
 void LinkFrameworkClasses() {
@@ -48,10 +49,8 @@ void RegisterUnlistedClasses() {
 
 // The framework's components for forms, in the order of the palette.
 constexpr const ClassInfo& (*kComponentUnit[])() = {
-    &TCampsBuscar::StaticClass,
-    &TParserVyn::StaticClass,
-    &TQuerySQL::StaticClass,
-    &TEventsVyn::StaticClass,
+    &TCampsBuscar::StaticClass, &TParserVyn::StaticClass,    &TQuerySQL::StaticClass,
+    &TEventsVyn::StaticClass,   &TSubConsultes::StaticClass,
 };
 
 void RegisterComponentUnit() {

@@ -42,12 +42,13 @@ class Registry : public testing::Test {
     }
 };
 
-// Exceptions to a rule: a property of every class ("Index") or of one ("TForm.Visible"), each with the reason.
+// Exceptions to a rule: a property of every class ("Index") or of one ("TForm.Visible"), or a class, each with the
+// reason.
 using Reasons = std::map<AnsiString, const char*>;
 
 // Whether the property is excepted; what was looked up and found is noted.
 bool Excepted(const Reasons& reasons, TClass classInfo, const AnsiString& path, std::set<AnsiString>& used) {
-    for (const AnsiString& name : {path, classInfo->Name() + "." + path})
+    for (const AnsiString& name : {path, classInfo->Name() + (path.empty() ? "" : "." + path)})
         if (reasons.count(name)) {
             used.insert(name);
             return true;
@@ -87,6 +88,9 @@ const Reasons kKeepNothing = {
     {"TToolBar.Width", "its alignment decides"},
 };
 
+// Classes that cannot stand alone.
+const Reasons kOnlyOnForms = {{"TSubConsultes", "its owner must be a form"}};
+
 // What a new component stores although nobody has set it.
 const Reasons kStoredWhenNew = {
     {"TForm.Font.Name", "a form keeps its font for machines that have another one"},
@@ -115,12 +119,18 @@ const Reasons kReadAsOthers = {
 }  // namespace
 
 TEST_F(Registry, EveryComponentCanBeMadeWithoutAnOwner) {
-    ForEach([](TClass each) {
+    std::set<AnsiString> used;
+    ForEach([&](TClass each) {
+        if (Excepted(kOnlyOnForms, each, {}, used)) {
+            EXPECT_THROW(each->Create(nullptr), Exception);
+            return;
+        }
         const std::unique_ptr<TObject> made(each->Create(nullptr));
         ASSERT_NE(made, nullptr);
         EXPECT_EQ(made->ClassType(), each);
         EXPECT_EQ(static_cast<TComponent&>(*made).Owner(), nullptr);
     });
+    ExpectAllUsed(kOnlyOnForms, used);
 }
 
 TEST_F(Registry, EveryComponentCanBeMadeWithAnOwnerThatFreesIt) {
@@ -154,7 +164,8 @@ TEST_F(Registry, PropertyNamesAreUniqueWithoutRegardToCase) {
 TEST_F(Registry, ANewComponentStoresNothingThatHasADefault) {
     std::set<AnsiString> used;
     ForEach([&](TClass each) {
-        const std::unique_ptr<TObject> made(each->Create(nullptr));
+        TForm form(nullptr);
+        const std::unique_ptr<TObject> made(each->Create(kOnlyOnForms.count(each->Name()) ? &form : nullptr));
         for (const Published& published : PropertiesOf(static_cast<TPersistent&>(*made))) {
             const PropertyInfo& property = *published.Property;
             if (!published.Stored || property.ReadOnly) continue;
@@ -251,6 +262,29 @@ TEST_F(Registry, ThePaletteRegistersEveryLinkedClassInItsOrder) {
             EXPECT_EQ(GetClass(line.name), linked) << line.name;
             EXPECT_EQ(registry.GetClasse(registry.IndexOfClasse(linked)).Tipus, line.tipus) << line.name;
         }
+}
+
+TEST_F(Registry, TheFrameworksComponentsComeInTheirOrder) {
+    FinalizePackage();
+    InitializePackage();
+    std::vector<AnsiString> wanted;
+    for (const char* name : {"TCampsBuscar", "TParserVyn", "TQuerySQL", "TAjudaFormulariVyn", "TRichEditVyn",
+                             "TCmpStringList", "TEventsVyn", "TSubConsultes", "TDBPanel"})
+        if (FindLinkedClass(name)) wanted.push_back(name);
+    EXPECT_GE(wanted.size(), 5u);
+    std::vector<AnsiString> found;
+    TVynClassesRegistrades& registry = *VynRegisteredClasses();
+    for (int i = 0; i < registry.Count(); ++i) {
+        const TClasseRegistrada classe = registry.GetClasse(i);
+        if (classe.Tipus != TTipusClasse::VynComp) continue;
+        found.push_back(classe.Classe->Name());
+        EXPECT_FALSE(classe.Flag);
+        EXPECT_FALSE(classe.Notify);
+        EXPECT_EQ(GetClass(classe.Classe->Name()), classe.Classe);
+    }
+    EXPECT_EQ(found, wanted);
+    RegistraClassesVyn();
+    EXPECT_EQ(registry.IndexOfClasse(FindLinkedClass("TCampsBuscar")), 0) << "the palette comes behind them";
 }
 
 TEST_F(Registry, CheckBoxStandsOnceAtItsFirstPlace) {

@@ -1,5 +1,6 @@
 #include "programs/host/custom_form.h"
 
+#include "events/Utvynsubcons.h"
 #include "platform/controls/form_classes.h"
 
 namespace vyn {
@@ -23,6 +24,7 @@ void TCustomFRM::WndProc(TMessage& message) {
             component_ = *reinterpret_cast<const TComponentVyn*>(message.LParam);
             break;
         case VYN_AFTERLOAD:
+            GiveNodeToChildScreens();
             if (!NodeLoaded()) message.Result = VYN_ABORT;
             break;
         case VYN_OPENED:
@@ -36,6 +38,15 @@ void TCustomFRM::WndProc(TMessage& message) {
             break;
         default:
             TForm::WndProc(message);
+    }
+}
+
+void TCustomFRM::GiveNodeToChildScreens() {
+    for (int i = 0; i < ComponentCount(); ++i) {
+        auto* screens = ObjectCast<TSubConsultes>(Components(i));
+        if (!screens) continue;
+        screens->SetMasterVynApp(vynApp_);
+        screens->MasterIDNode = idNode_;
     }
 }
 

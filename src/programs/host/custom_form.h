@@ -34,6 +34,9 @@ class TCustomFRM : public TForm {
     void Notification(TComponent* component, TOperation operation) override;
 
   private:
+    // The form's child screens hang below its node, which the list of open components has only when all is done.
+    void GiveNodeToChildScreens();
+
     TVynApp* vynApp_ = nullptr;
     int idNode_ = -1;
     TComponentVyn component_{-1, 0, {}};

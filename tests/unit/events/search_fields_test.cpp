@@ -327,11 +327,10 @@ TEST_F(SearchFields, AreStoredByteForByte) {
     entry.Text4 = "d";
     entry.Items = {"e", "f"};
     fields->Afegeix(entry);
-    const AnsiString expected = List(List(FirstFormat("EName") +
-                                          "\x02\x07\x09\x06\x01"
-                                          "d\x06\x01"
-                                          "e\x06\x01"
-                                          "f"));
+    const AnsiString expected = List(List(FirstFormat("EName") + "\x02\x07\x09\x06\x01"
+                                                                 "d\x06\x01"
+                                                                 "e\x06\x01"
+                                                                 "f"));
     EXPECT_EQ(Stored(), expected);
     fields->Elimina(0);
     Read(expected);
@@ -362,14 +361,12 @@ TEST_F(SearchFields, TheSecondFormatLoads) {
 }
 
 TEST_F(SearchFields, TheThirdFormatLoadsWithAndWithoutLines) {
-    Read(List(List(FirstFormat("EName") +
-                   "\x04\x01\x02\x03\x04\x08\x06\x01"
-                   "d") +
-              List(FirstFormat("ECode") +
-                   "\x03\x01\x02\x09\x06\x01"
-                   "d\x06\x01"
-                   "e\x0C\x01\0\0\0"
-                   "f"s) +
+    Read(List(List(FirstFormat("EName") + "\x04\x01\x02\x03\x04\x08\x06\x01"
+                                          "d") +
+              List(FirstFormat("ECode") + "\x03\x01\x02\x09\x06\x01"
+                                          "d\x06\x01"
+                                          "e\x0C\x01\0\0\0"
+                                          "f"s) +
               List(FirstFormat("EDate"))));
     ASSERT_EQ(fields->Count(), 3);
     EXPECT_EQ(fields->GetCampsBuscarComponent(0).IntValue4, 0x04030201);
@@ -383,12 +380,10 @@ TEST_F(SearchFields, TheThirdFormatLoadsWithAndWithoutLines) {
 }
 
 TEST_F(SearchFields, EachLaterValueIsReadByItsTypeAlone) {
-    Read(List(List(FirstFormat("EName") +
-                   "\x09\x06\x01"
-                   "d") +
-              List(FirstFormat("ECode") +
-                   "\x06\x01"
-                   "e")));
+    Read(List(List(FirstFormat("EName") + "\x09\x06\x01"
+                                          "d") +
+              List(FirstFormat("ECode") + "\x06\x01"
+                                          "e")));
     EXPECT_TRUE(fields->GetCampsBuscarComponent(0).Flag);
     EXPECT_EQ(fields->GetCampsBuscarComponent(0).Text4, "d");
     EXPECT_EQ(fields->GetCampsBuscarComponent(1).Items, (std::vector<AnsiString>{"e"}));
@@ -458,10 +453,9 @@ TEST_F(SearchFields, AnEmptyListIsStoredAgainstAnAncestor) {
 }
 
 TEST_F(SearchFields, ATruncatedListIsAReadError) {
-    const AnsiString whole = List(List(FirstFormat("EName") +
-                                       "\x02\x07\x09\x06\x01"
-                                       "d\x06\x01"
-                                       "e"));
+    const AnsiString whole = List(List(FirstFormat("EName") + "\x02\x07\x09\x06\x01"
+                                                              "d\x06\x01"
+                                                              "e"));
     for (size_t size = 0; size < whole.size(); ++size) {
         TViewStream cut(std::string_view(whole).substr(0, size));
         TReader reader(cut);
