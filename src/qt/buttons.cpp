@@ -5,9 +5,10 @@
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QStyleOptionButton>
 
 #include "qt/factory.h"
-#include "qt/painted.h"
+#include "qt/light_peer.h"
 #include "qt/text.h"
 
 namespace vyn::qt {
@@ -20,9 +21,53 @@ void PutCaption(QAbstractButton& button, const AnsiString& caption) {
     if (caption.find('&') != AnsiString::npos) button.setShortcut(QKeySequence());
 }
 
-class ButtonPeer final : public PeerOf<TButton> {
+// A button that its parent draws, at rest as the toolkit's own, until it is needed.
+template <class C>
+class LightButtonPeer : public LightPeerOf<C> {
   public:
-    using PeerOf::PeerOf;
+    using LightPeerOf<C>::LightPeerOf;
+
+  protected:
+    using typename LightPeerOf<C>::Surface;
+
+    // What the toolkit draws, and what the button says of itself.
+    virtual QStyle::ControlElement Element() const = 0;
+    virtual void Describe(QStyleOptionButton& option) const = 0;
+
+    void PaintOn(const Surface& surface) override {
+        QStyleOptionButton option;
+        option.initFrom(&surface.widget);
+        option.styleObject = nullptr;  // the toolkit would move its owner's looks
+        option.state &= QStyle::State_Active;
+        if (surface.enabled) option.state |= QStyle::State_Enabled;
+        option.rect = surface.rect;
+        option.palette = surface.palette;
+        option.fontMetrics = surface.painter.fontMetrics();
+        option.text = text_;
+        Describe(option);
+        surface.style.drawControl(Element(), &option, &surface.painter, &surface.widget);
+    }
+    bool StaysInside(const QFontMetrics& metrics) const override {
+        return this->Self().Height() >= metrics.height() &&
+               this->Self().Width() >= this->WidthOf(metrics, text_) + kRoom;
+    }
+    void TakeState() override { text_ = ToQt(this->Self().Caption()); }
+
+    // Every click of the widget's, the mouse's, the keyboard's or assistive technology's, is a press.
+    void Connect(QAbstractButton& button, void (C::*press)()) {
+        QObject::connect(&button, &QAbstractButton::clicked, this->Context(),
+                         [this, press] { Guard(&this->Self(), [this, press] { (this->Self().*press)(); }); });
+    }
+
+  private:
+    static constexpr int kRoom = 32;  // more than any style's mark and margins
+
+    QString text_;
+};
+
+class ButtonPeer final : public LightButtonPeer<TButton> {
+  public:
+    using LightButtonPeer::LightButtonPeer;
 
     bool MouseHappened(QWidget& widget, QEvent& event, const NativeCall& native) override {
         const NativeCall quiet = [this, &native](QEvent* e) {
@@ -32,12 +77,17 @@ class ButtonPeer final : public PeerOf<TButton> {
             if (alive) mouse_ = false;
             return result;
         };
-        return PeerOf::MouseHappened(widget, event, quiet);
+        return LightButtonPeer::MouseHappened(widget, event, quiet);
     }
     // Two quick presses are two clicks.
     bool TakesDoubleClicks() const override { return false; }
 
   protected:
+    QStyle::ControlElement Element() const override { return QStyle::CE_PushButton; }
+    void Describe(QStyleOptionButton& option) const override {
+        option.state |= QStyle::State_Raised;
+        if (Self().Active()) option.features |= QStyleOptionButton::DefaultButton;
+    }
     QWidget* MakeWidget(QWidget* parent) override {
         button_ = new Native<QPushButton>(this, parent);
         // A press by the mouse clicks through ProcessMouseUp; this one is assistive technology's.
@@ -59,39 +109,48 @@ class ButtonPeer final : public PeerOf<TButton> {
 };
 
 // The state is the control's; a press only tells.
-class CheckBoxWidget final : public Native<QCheckBox> {
+template <class W>
+class ToldButton final : public Native<W> {
   public:
-    using Native<QCheckBox>::Native;
-
-  protected:
-    void nextCheckState() override {}
-};
-
-class RadioButtonWidget final : public Native<QRadioButton> {
-  public:
-    using Native<QRadioButton>::Native;
+    using Native<W>::Native;
 
   protected:
     void nextCheckState() override {}
 };
 
 template <class C>
-void ApplySide(QAbstractButton& button, const C& control) {
-    const Qt::LayoutDirection direction =
-        control.Alignment() == TLeftRight::taLeftJustify ? Qt::RightToLeft : Qt::LeftToRight;
+Qt::LayoutDirection SideOf(const C& control) {
+    return control.Alignment() == TLeftRight::taLeftJustify ? Qt::RightToLeft : Qt::LeftToRight;
+}
+
+void PutDirection(QAbstractButton& button, Qt::LayoutDirection direction) {
     if (button.layoutDirection() != direction) button.setLayoutDirection(direction);
 }
 
-class CheckBoxPeer final : public PeerOf<TCustomCheckBox> {
+class CheckBoxPeer final : public LightButtonPeer<TCustomCheckBox> {
   public:
-    using PeerOf::PeerOf;
+    using LightButtonPeer::LightButtonPeer;
     bool TakesDoubleClicks() const override { return false; }
 
   protected:
+    QStyle::ControlElement Element() const override { return QStyle::CE_CheckBox; }
+    void Describe(QStyleOptionButton& option) const override {
+        option.direction = SideOf(Self());
+        switch (Self().State()) {
+            case cbUnchecked:
+                option.state |= QStyle::State_Off;
+                break;
+            case cbChecked:
+                option.state |= QStyle::State_On;
+                break;
+            case cbGrayed:
+                option.state |= QStyle::State_NoChange;
+                break;
+        }
+    }
     QWidget* MakeWidget(QWidget* parent) override {
-        box_ = new CheckBoxWidget(this, parent);
-        QObject::connect(box_, &QCheckBox::clicked, Context(),
-                         [this] { Guard(&Self(), [this] { Self().ProcessPress(); }); });
+        box_ = new ToldButton<QCheckBox>(this, parent);
+        Connect(*box_, &TCustomCheckBox::ProcessPress);
         return box_;
     }
     void ApplyText() override { PutCaption(*box_, Self().Caption()); }
@@ -110,7 +169,7 @@ class CheckBoxPeer final : public PeerOf<TCustomCheckBox> {
         if (Self().State() != cbGrayed && box_->isTristate()) box_->setTristate(false);
     }
     void ApplyStyle() override {
-        ApplySide(*box_, Self());
+        PutDirection(*box_, SideOf(Self()));
         if (!Self().TabStop()) box_->setFocusPolicy(Qt::ClickFocus);
     }
 
@@ -118,22 +177,26 @@ class CheckBoxPeer final : public PeerOf<TCustomCheckBox> {
     QCheckBox* box_ = nullptr;
 };
 
-class RadioButtonPeer final : public PeerOf<TRadioButton> {
+class RadioButtonPeer final : public LightButtonPeer<TRadioButton> {
   public:
-    using PeerOf::PeerOf;
+    using LightButtonPeer::LightButtonPeer;
 
   protected:
+    QStyle::ControlElement Element() const override { return QStyle::CE_RadioButton; }
+    void Describe(QStyleOptionButton& option) const override {
+        option.direction = SideOf(Self());
+        option.state |= Self().Checked() ? QStyle::State_On : QStyle::State_Off;
+    }
     QWidget* MakeWidget(QWidget* parent) override {
-        button_ = new RadioButtonWidget(this, parent);
+        button_ = new ToldButton<QRadioButton>(this, parent);
         button_->setAutoExclusive(false);
-        QObject::connect(button_, &QRadioButton::clicked, Context(),
-                         [this] { Guard(&Self(), [this] { Self().ProcessPress(); }); });
+        Connect(*button_, &TRadioButton::ProcessPress);
         return button_;
     }
     void ApplyText() override { PutCaption(*button_, Self().Caption()); }
     void ApplySelection() override { button_->setChecked(Self().Checked()); }
     void ApplyStyle() override {
-        ApplySide(*button_, Self());
+        PutDirection(*button_, SideOf(Self()));
         button_->setFocusPolicy(FocusPolicyOf(Self()));
     }
 

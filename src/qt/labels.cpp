@@ -1,7 +1,6 @@
 #include <QPainter>
 #include <QStyle>
 #include <QStyleOption>
-#include <algorithm>
 
 #include "platform/controls/labels.h"
 #include "qt/factory.h"
@@ -51,10 +50,7 @@ class LabelPeer final : public LightPeerOf<TCustomLabel> {
         // Letters may reach a little over their places, which shows at the edge that the text stands at.
         if (Self().Alignment() != taLeftJustify || text_.isEmpty() || metrics.leftBearing(text_.front()) < 0)
             return text_.isEmpty();
-        // Characters by themselves: shaping the whole text would cost as much as drawing it.
-        int left = Self().Width() + std::min(metrics.rightBearing(text_.back()), 0);
-        for (const QChar each : text_) left -= metrics.horizontalAdvance(each);
-        return left >= 0;
+        return WidthOf(metrics, text_) <= Self().Width();
     }
     void TakeState() override {
         text_ = ToQt(Self().GetLabelText());

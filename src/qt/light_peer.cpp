@@ -2,6 +2,7 @@
 
 #include <QAccessible>
 #include <QRegion>
+#include <algorithm>
 #include <optional>
 
 #include "platform/objects/class_info.h"
@@ -13,13 +14,42 @@ namespace light_detail {
 
 QRect BoundsOf(const TControl& control) { return {control.Left(), control.Top(), control.Width(), control.Height()}; }
 
-// The peers of the graphic controls inside that are drawn by their parent, lowest first.
+bool Overlap(const TControl& a, const TControl& b) { return BoundsOf(a).intersects(BoundsOf(b)); }
+
+// The controls inside that have a peer, lowest first: graphic controls lie under all windowed ones.
+template <class Visit>
+void ForEachPeer(const TWinControl& parent, Visit visit) {
+    for (TControl* graphic : parent.GraphicControls())
+        if (WidgetPeer* peer = PeerOfControl(graphic)) visit(*graphic, *peer);
+    for (TControl* window : parent.WindowedControls())
+        if (WidgetPeer* peer = PeerOfControl(window)) visit(*window, *peer);
+}
+
+// Widgets lie above everything that their parent draws.
+bool LiesOnAWidget(const TControl& control, const TWinControl& parent) {
+    const QRect bounds = BoundsOf(control);
+    const auto on = [&](const TControl& other) {
+        const WidgetPeer* peer = PeerOfControl(&other);
+        return peer && peer->Widget() && BoundsOf(other).intersects(bounds);
+    };
+    for (const TControl* graphic : parent.GraphicControls()) {
+        if (graphic == &control) return false;
+        if (on(*graphic)) return true;
+    }
+    for (const TControl* window : parent.WindowedControls()) {
+        if (window == &control) return false;
+        if (on(*window)) return true;
+    }
+    return false;
+}
+
+// The peers of the controls inside that are drawn by their parent, lowest first.
 template <class Visit>
 void ForEachLight(const TControl& parent, Visit visit) {
-    const auto* window = ObjectCast<TWinControl>(&parent);
-    if (!window) return;
-    for (TControl* graphic : window->GraphicControls())
-        if (WidgetPeer* peer = PeerOfControl(graphic); peer && !peer->Widget()) visit(*graphic, *peer);
+    if (const auto* window = ObjectCast<TWinControl>(&parent))
+        ForEachPeer(*window, [&](TControl& control, WidgetPeer& peer) {
+            if (!peer.Widget()) visit(control, peer);
+        });
 }
 
 }  // namespace light_detail
@@ -31,10 +61,7 @@ LightPeer::~LightPeer() {
     if (QWidget* host = Host()) host->update(shown_);
 }
 
-QWidget* LightPeer::Host() const {
-    const WidgetPeer* parent = PeerOfControl(Control().Parent());
-    return parent ? parent->ClientWidget() : nullptr;
-}
+QWidget* LightPeer::Host() const { return ClientOf(Control().Parent()); }
 
 bool LightPeer::CanBeLight() const {
     const TControl& control = Control();
@@ -44,14 +71,9 @@ bool LightPeer::CanBeLight() const {
     if (!parent || !link || !link->Peer() || QAccessible::isActive()) return false;
     if (control.Cursor() != crDefault || control.Color() != parent->Color()) return false;
     if (control.EffectiveFont().Color() != parent->EffectiveFont().Color()) return false;
-    // Widgets lie above everything that their parent draws.
-    for (const TControl* below : parent->GraphicControls()) {
-        if (below == &control) return true;
-        const WidgetPeer* peer = PeerOfControl(below);
-        if (peer && peer->Widget() && light_detail::BoundsOf(*below).intersects(light_detail::BoundsOf(control)))
-            return false;
-    }
-    return true;
+    const auto* window = ObjectCast<TWinControl>(&control);
+    if (window && (window->ControlCount() > 0 || window->Focused())) return false;
+    return !light_detail::LiesOnAWidget(control, *parent);
 }
 
 void LightPeer::Create() {
@@ -67,15 +89,9 @@ void LightPeer::BecomeWidget() {
     if (widget_) return;
     if (QWidget* host = Host()) host->update(shown_);
     WidgetPeer::Create();
-    // What lay above it still does.
-    const TWinControl* parent = Control().Parent();
-    if (!parent) return;
-    bool above = false;
-    for (TControl* graphic : parent->GraphicControls()) {
-        if (above && light_detail::BoundsOf(*graphic).intersects(light_detail::BoundsOf(Control())))
-            if (WidgetPeer* peer = PeerOfControl(graphic)) peer->BecomeWidget();
-        above = above || graphic == &Control();
-    }
+    const Updating updating(*this);
+    ApplyZOrder();
+    WakeLightsAbove();
 }
 
 void* LightPeer::NativeHandle() {
@@ -88,8 +104,9 @@ void LightPeer::Changed(PeerChange what) {
         WidgetPeer::Changed(what);
         return;
     }
-    if (!CanBeLight()) {
+    if (what == PeerChange::Focus || !CanBeLight()) {
         BecomeWidget();
+        WidgetPeer::Changed(what);
         return;
     }
     switch (what) {
@@ -97,6 +114,7 @@ void LightPeer::Changed(PeerChange what) {
         case PeerChange::Picture:
         case PeerChange::Style:
         case PeerChange::Font:
+        case PeerChange::Selection:
             TakeState();
             Repaint();
             break;
@@ -112,7 +130,6 @@ void LightPeer::Changed(PeerChange what) {
         case PeerChange::Cursor:
         case PeerChange::Hint:
         case PeerChange::Items:
-        case PeerChange::Selection:
         case PeerChange::Scroll:
         case PeerChange::Menu:
         case PeerChange::Focus:
@@ -143,7 +160,7 @@ void LightPeer::ApplyText() {
 }
 
 void LightPeer::Paint(QPainter& painter) {
-    PaintOn({painter, widget_->rect(), *widget_->style(), widget_->palette(), widget_->isEnabled()});
+    PaintOn({painter, widget_->rect(), *widget_, *widget_->style(), widget_->palette(), widget_->isEnabled()});
 }
 
 void LightPeer::PaintLight(QPainter& painter, const QWidget& host) {
@@ -159,15 +176,22 @@ void LightPeer::PaintLight(QPainter& painter, const QWidget& host) {
     const QRect rect(0, 0, control.Width(), control.Height());
     const bool enabled = host.isEnabled() && control.Enabled();
     if (enabled == host.isEnabled()) {
-        PaintOn({painter, rect, *host.style(), host.palette(), enabled});
+        PaintOn({painter, rect, host, *host.style(), host.palette(), enabled});
     } else {
         QPalette palette = host.palette();
         palette.setCurrentColorGroup(QPalette::Disabled);
-        PaintOn({painter, rect, *host.style(), palette, enabled});
+        PaintOn({painter, rect, host, *host.style(), palette, enabled});
     }
     painter.translate(-control.Left(), -control.Top());
     if (clipped) painter.restore();
     if (ownFont) painter.setFont(host.font());
+}
+
+int LightPeer::WidthOf(const QFontMetrics& metrics, const QString& text) {
+    if (text.isEmpty()) return 0;
+    int width = std::max(-metrics.rightBearing(text.back()), 0);
+    for (const QChar each : text) width += metrics.horizontalAdvance(each);
+    return width;
 }
 
 void WidgetPeer::PaintLights(QWidget& client, const QRegion& exposed) {
@@ -182,6 +206,18 @@ void WidgetPeer::PaintLights(QWidget& client, const QRegion& exposed) {
 void WidgetPeer::WakeLights() {
     std::vector<WidgetPeer*> found;
     light_detail::ForEachLight(control_, [&](TControl&, WidgetPeer& peer) { found.push_back(&peer); });
+    for (WidgetPeer* peer : found) peer->BecomeWidget();
+}
+
+void WidgetPeer::WakeLightsAbove() {
+    const TWinControl* parent = control_.Parent();
+    if (!parent) return;
+    std::vector<WidgetPeer*> found;
+    bool above = false;
+    light_detail::ForEachPeer(*parent, [&](const TControl& other, WidgetPeer& peer) {
+        if (above && !peer.Widget() && light_detail::Overlap(other, control_)) found.push_back(&peer);
+        above = above || &other == &control_;
+    });
     for (WidgetPeer* peer : found) peer->BecomeWidget();
 }
 

@@ -9,10 +9,10 @@
 
 namespace vyn::qt {
 
-// The peer of a graphic control (a label, a line, a picture) that costs no widget while it only has to be seen: its
-// parent's peer draws it. It becomes a widget, for good, when one is needed: the mouse comes over it, assistive
-// technology listens, somebody asks for the native handle, it gets colours or a cursor of its own, or it lies above a
-// control that is a widget. Main thread only.
+// The peer of a control that is simple to look at (a label, a line, a picture, a button at rest) and that costs no
+// widget while it only has to be seen: its parent's peer draws it. It becomes a widget, for good, when one is needed:
+// the mouse or the keyboard comes to it, assistive technology listens, somebody asks for the native handle, it gets
+// colours or a cursor of its own, a control inside, or a place above a control that is a widget. Main thread only.
 class LightPeer : public WidgetPeer {
   public:
     using WidgetPeer::WidgetPeer;
@@ -31,6 +31,7 @@ class LightPeer : public WidgetPeer {
     struct Surface {
         QPainter& painter;
         QRect rect;
+        const QWidget& widget;  // that is painted: the control's own or its parent's
         const QStyle& style;
         const QPalette& palette;
         bool enabled;
@@ -38,6 +39,8 @@ class LightPeer : public WidgetPeer {
     virtual void PaintOn(const Surface& surface) = 0;
     // Whether what is drawn stays inside the control's bounds by itself. Bounding it costs more than a short text does.
     virtual bool StaysInside(const QFontMetrics& metrics) const { return false; }
+    // At least the width of a line of text, found without shaping it, which would cost as much as drawing it.
+    static int WidthOf(const QFontMetrics& metrics, const QString& text);
     // Takes over from the control what is drawn.
     virtual void TakeState() {}
     QWidget* MakeWidget(QWidget* parent) override;

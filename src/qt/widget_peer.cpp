@@ -63,11 +63,17 @@ QObject* WidgetPeer::Context() {
     return context_.get();
 }
 
+QWidget* WidgetPeer::ClientOf(const TControl* parent) {
+    WidgetPeer* peer = PeerOfControl(parent);
+    if (!peer) return nullptr;
+    peer->BecomeWidget();
+    return peer->ClientWidget();
+}
+
 void WidgetPeer::Create() {
-    WidgetPeer* parent = PeerOfControl(control_.Parent());
-    QWidget* parentWidget = parent ? parent->ClientWidget() : nullptr;
+    QWidget* parent = ClientOf(control_.Parent());
     const Updating updating(*this);
-    widget_ = MakeWidget(parentWidget);
+    widget_ = MakeWidget(parent);
     mainLink_ = dynamic_cast<PeerLink*>(widget_);
     widget_->setMouseTracking(true);
     ApplyFont();
@@ -98,6 +104,7 @@ void WidgetPeer::Changed(PeerChange what) {
     switch (what) {
         case PeerChange::Bounds:
             ApplyBounds();
+            WakeLightsAbove();
             break;
         case PeerChange::Text:
             ApplyText();
@@ -114,18 +121,21 @@ void WidgetPeer::Changed(PeerChange what) {
             break;
         case PeerChange::Visible:
             ApplyVisible();
+            WakeLightsAbove();
             break;
         case PeerChange::Cursor:
             ApplyCursor();
             break;
         case PeerChange::ZOrder:
             ApplyZOrder();
+            WakeLightsAbove();
             break;
         case PeerChange::Parent:
-            if (WidgetPeer* parent = PeerOfControl(control_.Parent())) {
-                widget_->setParent(parent->ClientWidget());
+            if (QWidget* parent = ClientOf(control_.Parent())) {
+                widget_->setParent(parent);
                 ApplyBounds();
                 ApplyVisible();
+                WakeLightsAbove();
             }
             break;
         case PeerChange::Style:
@@ -261,8 +271,8 @@ void WidgetPeer::ApplyZOrder() {
         after = after || graphic == &control_;
     }
     for (const TWinControl* window : parent->WindowedControls()) {
-        if (after && window->Peer()) {
-            widget_->stackUnder(PeerOfControl(window)->Widget());
+        if (WidgetPeer* peer = PeerOfControl(window); after && peer && peer->Widget()) {
+            widget_->stackUnder(peer->Widget());
             return;
         }
         after = after || window == &control_;

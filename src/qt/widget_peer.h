@@ -152,6 +152,8 @@ class WidgetPeer : public ControlPeer {
     QWidget* Widget() const { return widget_; }
     // Where the widgets of the controls inside go; its origin is the control's client origin.
     virtual QWidget* ClientWidget() const { return widget_; }
+    // The same of a control's parent, which becomes a widget for it; null without one.
+    static QWidget* ClientOf(const TControl* parent);
     // Which widget has the keyboard for the control.
     virtual QWidget* FocusTarget() const { return widget_; }
 
@@ -183,6 +185,8 @@ class WidgetPeer : public ControlPeer {
     // none).
     void PaintLights(QWidget& client, const QRegion& exposed);
     void WakeLights();
+    // Makes widgets of what the parent draws above this control, which has a widget.
+    void WakeLightsAbove();
     QWidget* WakeLightAt(const QPoint& place);
 
     // For assistive technology, filled in when somebody listens (accessibility.h).

@@ -91,7 +91,7 @@ constexpr std::string_view kForm = R"(object F: TForm
 end
 )";
 
-QWidget* Main(const TControl& control) { return qt::PeerOfControl(&control)->Widget(); }
+QWidget* Main(const TControl& control) { return static_cast<QWidget*>(control.Peer()->NativeHandle()); }
 
 void ClickRow(QListView& list, int row) {
     QTest::mouseClick(list.viewport(), Qt::LeftButton, Qt::NoModifier,
