@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
 #include <map>
 #include <set>
 
@@ -157,6 +158,22 @@ TEST_F(Registry, PropertyNamesAreUniqueWithoutRegardToCase) {
                     << property.Name << " twice in " << at->Name();
                 EXPECT_EQ(at->FindProperty(LowerCase(property.Name)), &property);
             }
+        }
+    });
+}
+
+// Stored forms hold properties in the order in which they are published: what changes here changes every stored form.
+TEST_F(Registry, WhatIsPublishedAndItsOrderStand) {
+    std::map<AnsiString, AnsiString> expected;
+    std::ifstream golden(VYN_SOURCE_DIR "/tests/golden/published.txt");
+    for (std::string line; std::getline(golden, line);)
+        if (!line.empty() && line.front() != '#') expected[line.substr(0, line.find(' '))] = line;
+    ForEach([&](TClass each) {
+        for (TClass at = each; at; at = at->Parent()) {
+            if (at->Properties().empty()) continue;
+            AnsiString line = at->Name() + " (" + (at->Parent() ? at->Parent()->Name() : AnsiString()) + "):";
+            for (const PropertyInfo& property : at->Properties()) line += " " + property.Name;
+            EXPECT_EQ(expected[at->Name()], line);
         }
     });
 }
