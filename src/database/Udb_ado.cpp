@@ -96,9 +96,8 @@ void TDataBaseVynADO::DoRollbackTransaction() {
 
 void TDataBaseVynADO::SetSQLToDataSet(const AnsiString& SQL, TDataSet* dataSet) {
     CheckDB();
-    AnsiString corrected = SQL;
-    CorrectParamCheckOnDateTime(dataSet, corrected);
-    AssignSqlLines(*db_ado_detail::RequireQuery(dataSet).SQL(), corrected, SQLStringSeparator);
+    const AnsiString statement = SQLForDataSet(dataSet, SQL);
+    AssignSqlLines(*db_ado_detail::RequireQuery(dataSet).SQL(), statement, SQLStringSeparator);
 }
 
 void TDataBaseVynADO::GetSQLFromDataSet(TDataSet* dataSet, AnsiString& SQL) {

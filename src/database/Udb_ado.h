@@ -28,8 +28,8 @@ class TDataBaseVynADO : public TDataBaseVyn {
     void DoStartTransaction() override;
     void DoCommitTransaction() override;
     void DoRollbackTransaction() override;
-    // Other than queries raise "DataSet is not a TADOQuery", other than tables "DataSet is not a TADOTable". A text
-    // that is set has its colons doubled, also when they are already.
+    // Other than queries raise "DataSet is not a TADOQuery", other than tables "DataSet is not a TADOTable". A
+    // statement that is set has the colons of its times doubled, also when that was done already.
     void SetSQLToDataSet(const AnsiString& SQL, TDataSet* dataSet) override;
     void GetSQLFromDataSet(TDataSet* dataSet, AnsiString& SQL) override;
     void SetTableToDataSet(const AnsiString& tableName, TDataSet* dataSet) override;

@@ -278,9 +278,7 @@ TDataSet* TDataBaseVyn::GetTDataSet(const AnsiString& tableName, TComponent* own
 
 TDataSet* TDataBaseVyn::GetTSQLDataSet(const AnsiString& SQL, TComponent* owner, bool readOnly) {
     std::unique_ptr<TDataSet> dataSet(DoGetTSQLDataSet("", owner, readOnly));
-    AnsiString corrected = SQL;
-    CorrectParamCheckOnDateTime(dataSet.get(), corrected);
-    SetSQLToDataSet(corrected, dataSet.get());
+    SetSQLToDataSet(SQLForDataSet(dataSet.get(), SQL), dataSet.get());
     return Register(dataSet.release(), owner);
 }
 
@@ -311,17 +309,26 @@ void TDataBaseVyn::CorrectParamCheckOnDateTime(TDataSet* dataSet, TStrings* SQL)
 }
 
 void TDataBaseVyn::CorrectParamCheckOnDateTime(TDataSet* dataSet, AnsiString& SQL) {
-    const bool needed = NeedsColonsDoubled(dataSet);
+    SQL = InLines(SQL, NeedsColonsDoubled(dataSet));
+}
+
+AnsiString TDataBaseVyn::InLines(const AnsiString& SQL, bool colonsDoubled) const {
     TimeColons colons;
     AnsiString result;
     result.reserve(SQL.size() + 2);
     for (SqlLines lines(SQL, SQLStringSeparator); lines.Next();) {
         AnsiString line(lines.Line());
-        if (needed) colons.Double(line);
+        if (colonsDoubled) colons.Double(line);
         result += line;
         result += lines.Break();
     }
-    SQL = std::move(result);
+    return result;
+}
+
+AnsiString TDataBaseVyn::SQLForDataSet(TDataSet* dataSet, const AnsiString& SQL) {
+    AnsiString doubled = SQL;
+    CorrectParamCheckOnDateTime(dataSet, doubled);
+    return WithOwnTexts(InLines(SQL, false), doubled);
 }
 
 TDataBaseVyn* FindDatabaseVyn(const AnsiString& name) {

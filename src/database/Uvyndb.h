@@ -77,6 +77,9 @@ class TDataBaseVyn : public TComponent {
     TDataSet* GetTDataSet(const AnsiString& tableName, TComponent* owner, bool readOnly);
     TDataSet* GetTSQLDataSet(const AnsiString& SQL, TComponent* owner, bool readOnly);
     void ExecuteSQL(const AnsiString& SQL);
+    // A statement as a dataset is given it: CorrectParamCheckOnDateTime, save in texts and quoted names, whose colons
+    // no dataset takes for marks of parameters.
+    AnsiString SQLForDataSet(TDataSet* dataSet, const AnsiString& SQL);
     // The datasets handed out whose owner is not the database itself, and that still live.
     const std::vector<TDataSet*>& OwnedDataSets() const { return dataSets_; }
 
@@ -126,6 +129,8 @@ class TDataBaseVyn : public TComponent {
     TDataSet* Register(TDataSet* dataSet, TComponent* owner);
     size_t PositionOfTransaction(int id) const;
     bool NeedsColonsDoubled(TDataSet* dataSet);
+    // Line by line with CR LF.
+    AnsiString InLines(const AnsiString& SQL, bool colonsDoubled) const;
 
     std::unique_ptr<TDataBaseVynDict> tables_;
     std::unique_ptr<TQuerySQLDict> queries_;

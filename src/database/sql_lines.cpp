@@ -1,6 +1,9 @@
 #include "database/sql_lines.h"
 
 #include <algorithm>
+#include <vector>
+
+#include "platform/access/sql_tokens.h"
 
 namespace vyn {
 
@@ -9,6 +12,13 @@ namespace sql_lines_detail {
 constexpr std::string_view kBreak = "\r\n";
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+std::vector<std::string_view> TextsIn(std::string_view sql) {
+    std::vector<std::string_view> texts;
+    for (const SqlToken& token : TokenizeSql(sql))
+        if (token.Kind == SqlTokenKind::Quoted || token.Kind == SqlTokenKind::Name) texts.push_back(token.Text);
+    return texts;
+}
 
 }  // namespace sql_lines_detail
 
@@ -77,6 +87,23 @@ void AssignSqlLines(TStrings& lines, std::string_view text, char stringSeparator
     }
     if (!line.empty()) lines.Add(line);
     lines.EndUpdate();
+}
+
+AnsiString WithOwnTexts(const AnsiString& statement, const AnsiString& doubled) {
+    if (doubled.size() == statement.size()) return doubled;
+    const auto own = sql_lines_detail::TextsIn(statement);
+    const auto changed = sql_lines_detail::TextsIn(doubled);
+    if (own.size() != changed.size()) return doubled;
+    AnsiString result;
+    result.reserve(doubled.size());
+    size_t at = 0;
+    for (size_t i = 0; i < own.size(); ++i) {
+        const auto start = static_cast<size_t>(changed[i].data() - doubled.data());
+        result.append(doubled, at, start - at);
+        result += own[i];
+        at = start + changed[i].size();
+    }
+    return result.append(doubled, at, AnsiString::npos);
 }
 
 bool TimeColons::Double(AnsiString& line) {

@@ -37,6 +37,10 @@ class SqlLines {
 // lines' text is the text again.
 void AssignSqlLines(TStrings& lines, std::string_view text, char stringSeparator);
 
+// A statement whose colons were doubled, with its texts and quoted names as they were: no dataset looks for parameters
+// there, and two colons would be another value.
+AnsiString WithOwnTexts(const AnsiString& statement, const AnsiString& doubled);
+
 // Doubles the colons of times in the lines of one statement, which are given in order.
 class TimeColons {
   public:

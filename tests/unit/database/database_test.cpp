@@ -141,6 +141,17 @@ TEST(DatabaseDataSets, AStatementIsExecutedAndItsDataSetFreed) {
     EXPECT_EQ(database.ComponentCount(), 0);
 }
 
+TEST(DatabaseDataSets, AreGivenTextsAndNamesWithTheirOwnColons) {
+    RecordingDatabase database;
+    const auto given = [&](const AnsiString& SQL) { return database.SQLForDataSet(nullptr, SQL); };
+    EXPECT_EQ(given("A = '10:30'"), "A = '10:30'\r\n");
+    EXPECT_EQ(given("A = '10:30' AND [b:1] = \"c:2\" AND `d:3`"), "A = '10:30' AND [b:1] = \"c:2\" AND `d:3`\r\n");
+    EXPECT_EQ(given("A = '::1' AND B = 'it''s 10:30'"), "A = '::1' AND B = 'it''s 10:30'\r\n");
+    EXPECT_EQ(given("H = #10:30# AND A = ':1"), "H = #10::30# AND A = ':1\r\n");
+    EXPECT_EQ(given("-- it's\rH = #10:30#\nAND '\r:1'"), "-- it's\r\nH = #10::30#\r\nAND '\r:1'\r\n");
+    EXPECT_EQ(given(""), "");
+}
+
 TEST(DatabaseDataSets, ATableIsFoundWithoutRegardToCase) {
     RecordingDatabase database;
     EXPECT_TRUE(database.TableExists("ORDERS"));

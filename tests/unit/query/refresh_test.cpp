@@ -470,6 +470,8 @@ class HostileTexts : public LiveQuery {
                 "''''",
                 "\"[`",
                 ":a ::b : :",
+                "10:30 and ':5' ::1 fe80::1:2:3",
+                "\"10:30\" `10:30` [10:30] #10:30# #10::30#",
                 "\xA1PRM(A,1)\xA1",
                 "-- no comment",
                 "/* nor this",
@@ -520,12 +522,26 @@ TEST_F(HostileTexts, ColonsBeforeDigitsComeBackWhereDatesStandBetweenQuotes) {
     EXPECT_EQ(Selected(M + "PRM$(P,'')" + M), "10:30 and ':5'");
 }
 
-TEST_F(HostileTexts, ATimeInATextIsDoubledWhenItIsTheLinesFirstColon) {
-    // The check for times does not see the quote in front of a line's first colon.
+TEST_F(HostileTexts, TheColonsOfATextAreItsOwnWhereThoseOfATimeAreDoubled) {
     Parametres()->AddParam("P", "10:30");
-    EXPECT_EQ(Selected(M + "PRM$(P,'')" + M), "10::30");
-    Parametres()->AddParam("Q", "x");
-    EXPECT_EQ(Selected("'a: ' || " + M + "PRM$(P,'')" + M), "a: 10::30");
+    Parametres()->AddParam("At", TDateTime(EncodeDate(2026, 1, 2) + 0.4375));
+    query->WhereSQL = "'10:30' = " + M + "PRM$(P,'')" + M + " AND since < " + M + "At" + M;
+    query->WhereSQL += " AND since > #01/02/2026 10:20:00#";
+    query->CreaSQL();
+    EXPECT_EQ(Column(*query), "Anna ");
+    AnsiString text;
+    database->GetSQLFromDataSet(query->QryDataSet(), text);
+    EXPECT_THAT(text, testing::HasSubstr("WHERE '10:30' = '10:30' AND since < #01/02/2026 10::30::00# AND since > "));
+}
+
+TEST_F(HostileTexts, AGivenStatementKeepsItsColonsHoweverOftenItIsOpened) {
+    query->SqlType = sql_DirectText;
+    query->SetQryDataSet(
+        database->GetTSQLDataSet("SELECT name FROM clients WHERE '10:30' || name = '10:30Biel'", query.get(), true));
+    for (int i = 0; i < 3; ++i) {
+        query->CreaSQL();
+        EXPECT_EQ(Column(*query), "Biel ");
+    }
 }
 
 TEST_F(HostileTexts, ThePlainFormIsForWhatIsSqlItself) {
