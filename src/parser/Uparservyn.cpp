@@ -123,9 +123,17 @@ void TCustomParserVyn::FreeExpression() {
 
 double TCustomParserVyn::CalcValue() {
     if (constantResult_) return *constantResult_;
-    if (plainVersion_ == TParametres::BindingVersion() && !ReadsAreWatched()) [[likely]]
-        return operations_.Run();
-    return CalcAnew();
+    if (plainVersion_ != TParametres::BindingVersion()) return CalcAnew();
+    for (const TParametres* params : boundSets_)
+        if (params->ReadsMayBeWatched()) return CalcFollowed();
+    return operations_.Run();
+}
+
+// Somebody follows the parameters, and may watch the reads.
+double TCustomParserVyn::CalcFollowed() {
+    for (const TParametres* params : boundSets_)
+        if (params->ReadsAreWatched()) return CalcAnew();
+    return operations_.Run();
 }
 
 double TCustomParserVyn::CalcAnew() {

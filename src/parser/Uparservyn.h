@@ -73,17 +73,13 @@ class TCustomParserVyn : public TComponent {
     class Calculation;
     static constexpr uint64_t kNoVersion = UINT64_MAX;
     double CalcAnew();
+    double CalcFollowed();
     void SetStoredExpression(const AnsiString& text);
     bool Compile();
     void FindVariables();
     bool ReadVariables(bool all);
     void ReadVariablesByName();
     void BindVariables();
-    bool ReadsAreWatched() const {
-        for (const TParametres* params : boundSets_)
-            if (params->ReadsAreWatched()) return true;
-        return false;
-    }
 
     AnsiString expression_;
     bool parseFailed_ = false;

@@ -122,16 +122,21 @@ double CounterPesetas(double flag, double amount) {
 struct BuiltIn {
     const char* name;
     TMathRoutine routine;
+    double (*function)(double) = nullptr;  // of one argument
 };
 
+template <double (*Compute)(double)>
+constexpr BuiltIn OfOne(const char* name) {
+    return {name, &One<Compute>, Compute};
+}
+
 constexpr BuiltIn kOneParam[] = {
-    {"TAN", &One<Tan>},        {"SIN", &One<Sin>},       {"COS", &One<Cos>},     {"SINH", &One<Sinh>},
-    {"COSH", &One<Cosh>},      {"ARCTAN", &One<ArcTan>}, {"COTAN", &One<Cotan>}, {"ARG", &One<Arg>},
-    {"EXP", &One<Exp>},        {"LN", &One<Ln>},         {"LOG10", &One<Log10>}, {"LOG2", &One<Log2>},
-    {"SQR", &One<Sqr>},        {"SQRT", &One<Sqrt>},     {"ABS", &One<Abs>},     {"TRUNC", &One<Trunc>},
-    {"INT", &One<Trunc>},      {"CEIL", &One<Ceil>},     {"FLOOR", &One<Floor>}, {"ROUND", &One<Round>},
-    {"HEAV", &One<Heaviside>}, {"SIGN", &One<Sign>},     {"ZERO", &One<Zero>},   {"PH", &One<Arg>},
-    {"RND", &One<Rnd>},        {"RANDOM", &One<Random>},
+    OfOne<Tan>("TAN"),        OfOne<Sin>("SIN"),     OfOne<Cos>("COS"),   OfOne<Sinh>("SINH"),   OfOne<Cosh>("COSH"),
+    OfOne<ArcTan>("ARCTAN"),  OfOne<Cotan>("COTAN"), OfOne<Arg>("ARG"),   OfOne<Exp>("EXP"),     OfOne<Ln>("LN"),
+    OfOne<Log10>("LOG10"),    OfOne<Log2>("LOG2"),   OfOne<Sqr>("SQR"),   OfOne<Sqrt>("SQRT"),   OfOne<Abs>("ABS"),
+    OfOne<Trunc>("TRUNC"),    OfOne<Trunc>("INT"),   OfOne<Ceil>("CEIL"), OfOne<Floor>("FLOOR"), OfOne<Round>("ROUND"),
+    OfOne<Heaviside>("HEAV"), OfOne<Sign>("SIGN"),   OfOne<Zero>("ZERO"), OfOne<Arg>("PH"),      OfOne<Rnd>("RND"),
+    OfOne<Random>("RANDOM"),
 };
 constexpr BuiltIn kTwoParam[] = {
     {"MAX", &Two<Max>},
@@ -163,5 +168,14 @@ const std::shared_ptr<const TFunctionList>& BuiltInTwoParam() {
     static const auto list = functions_detail::ListOf(functions_detail::kTwoParam);
     return list;
 }
+
+double (*PlainFunctionOf(TMathRoutine routine))(double) {
+    for (const auto& function : functions_detail::kOneParam)
+        if (function.routine == routine) return function.function;
+    return nullptr;
+}
+
+bool IsMax(TMathRoutine routine) { return routine == &functions_detail::Two<functions_detail::Max>; }
+bool IsMin(TMathRoutine routine) { return routine == &functions_detail::Two<functions_detail::Min>; }
 
 }  // namespace vyn

@@ -49,4 +49,10 @@ class TFunctionList {
 const std::shared_ptr<const TFunctionList>& BuiltInOneParam();
 const std::shared_ptr<const TFunctionList>& BuiltInTwoParam();
 
+// What programs run without a record: a built-in function of one argument before its result is required to be finite;
+// null for other routines.
+double (*PlainFunctionOf(TMathRoutine routine))(double);
+bool IsMax(TMathRoutine routine);
+bool IsMin(TMathRoutine routine);
+
 }  // namespace vyn

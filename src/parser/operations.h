@@ -141,7 +141,7 @@ class OperationList {
     // a division by zero raises where it happens (EZeroDivide, for integers EDivByZero).
     double RunList() const;
     // The same to the bit by the program.
-    double Run() const;
+    VYN_LOCAL double Run() const;
     // The result that no variable and no function has a part in; null when there is none. Needs the program.
     const double* ConstantResult() const { return program_.ConstantResult(); }
 

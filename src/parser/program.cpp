@@ -1,19 +1,23 @@
 #include "parser/program.h"
 
 #include "parser/errors.h"
+#include "parser/functions.h"
 #include "parser/operations.h"
 
 namespace vyn {
 
 // What is computed from memory, and what becomes of it together with the accumulator. Each pair is a step of its own.
-#define VYN_FOR_EACH_SOURCE(X, combine)                    \
-    X(combine, Place, *i->a)                               \
-    X(combine, Sum, *i->a + *i->b)                         \
-    X(combine, Difference, *i->a - *i->b)                  \
-    X(combine, Product, *i->a* * i->b)                     \
-    X(combine, Product3, *i->a* * i->b * *i->c)            \
-    X(combine, WholePower, WholePower(*i->a, i->exponent)) \
-    X(combine, ScaledPower, *i->a* WholePower(*i->b, i->exponent))
+#define VYN_FOR_EACH_SOURCE(X, combine)                               \
+    X(combine, Place, *i->a)                                          \
+    X(combine, Sum, *i->a + *i->b)                                    \
+    X(combine, Difference, *i->a - *i->b)                             \
+    X(combine, Product, *i->a* * i->b)                                \
+    X(combine, Product3, *i->a* * i->b * *i->c)                       \
+    X(combine, WholePower, WholePower(*i->a, i->exponent))            \
+    X(combine, ScaledPower, *i->a* WholePower(*i->b, i->exponent))    \
+    X(combine, Larger, RequireFinite(*i->a > *i->b ? *i->a : *i->b))  \
+    X(combine, Smaller, RequireFinite(*i->a < *i->b ? *i->a : *i->b)) \
+    X(combine, Function, RequireFinite(i->function(*i->a)))
 #define VYN_FOR_EACH_COMBINATION(X)  \
     VYN_FOR_EACH_SOURCE(X, Push)     \
     VYN_FOR_EACH_SOURCE(X, Add)      \
@@ -34,6 +38,7 @@ namespace vyn {
     X(RaiseWhole, , WholePower(value, i->exponent)) \
     X(SubtractFrom, , *i->a - value)                \
     X(DivideInto, , Quotient(*i->a, value))         \
+    X(Apply, , RequireFinite(i->function(value)))   \
     X(AddStacked, , *--top + value)                 \
     X(SubtractStacked, , *--top - value)            \
     X(MultiplyStacked, , *--top* value)             \
@@ -160,8 +165,9 @@ class ProgramBuilder {
             case Modulo:
             case IntegerDivision:
             case Power:
-            case Function:
                 return Call(record);
+            case Function:
+                return CallFunction(record);
         }
     }
 
@@ -320,17 +326,36 @@ class ProgramBuilder {
         Emit(store);
     }
 
+    void CallFunction(const TOperationRecord& record) {
+        if (auto* function = PlainFunctionOf(record.Operation)) return CallPlain(record, function);
+        const bool isMax = IsMax(record.Operation);
+        if (!isMax && !IsMin(record.Operation)) return Call(record);
+        if (Kind(record.Arg1) == Program::ResultPlace || Kind(record.Arg2) == Program::ResultPlace) return Call(record);
+        Wait(Make(isMax ? Step::PushLarger : Step::PushSmaller, record.Arg1, record.Arg2));
+    }
+
+    void CallPlain(const TOperationRecord& record, double (*function)(double)) {
+        const Waiting operand = TakeOperand(record.Arg1);
+        const bool isPlace = !operand.computed && operand.step == Step::PushPlace;
+        Waiting call = Make(isPlace ? Step::PushFunction : Step::Apply, isPlace ? operand.push.a : nullptr);
+        call.push.function = function;
+        if (isPlace) return Wait(call);
+        Wait(operand);
+        ComputeAllWaiting();
+        Emit(call);
+    }
+
     void Call(const TOperationRecord& record) {
         if (TryFold(record)) return;
-        if (record.Arg2 != record.Arg1) {
-            const Waiting right = TakeOperand(record.Arg2);
-            // The accumulator is the last that was computed: the right one, where it is.
-            if (right.computed) StoreOperand(right, record.Arg2);
-            StoreOperand(TakeOperand(record.Arg1), record.Arg1);
-            if (!right.computed) StoreOperand(right, record.Arg2);
-        } else {
-            StoreOperand(TakeOperand(record.Arg1), record.Arg1);
-        }
+        const bool hasSecond = record.Arg2 != record.Arg1;
+        const Waiting right = hasSecond ? TakeOperand(record.Arg2) : Waiting{};
+        const Waiting left = TakeOperand(record.Arg1);
+        // What is on the way may raise first. The accumulator is the last that was computed: the right one, where it
+        // is.
+        if (!left.computed) ComputeAllWaiting();
+        if (hasSecond && right.computed) StoreOperand(right, record.Arg2);
+        StoreOperand(left, record.Arg1);
+        if (hasSecond && !right.computed) StoreOperand(right, record.Arg2);
         Waiting call = Make(Step::Call);
         call.push.record = &record;
         Emit(call);

@@ -12,9 +12,11 @@ struct TOperationRecord;
 
 // The same work as a list of operations, laid out for running: one accumulator, a short stack, and instructions that
 // take whole products and sums of two from memory, so that an expression runs in few steps. Operations on constants
-// alone are done once, when the program is built. Functions, and what is rare, run through their records.
+// alone are done once, when the program is built. Functions of an application, and what is rare, run through their
+// records.
 //
-// Every value is computed by the operations of the list, on the same operands: the results are the same to the bit.
+// Every value is computed by the operations of the list, on the same operands, and what may raise in the same order:
+// results are the same to the bit, and so are errors.
 class Program {
   public:
     // What is known of a place of the list before the program runs: a constant, a result, or the variable of a number.
@@ -53,6 +55,7 @@ class Program {
             const double* c;
             int64_t exponent;
             double* dest;
+            double (*function)(double);
             const TOperationRecord* record;
         };
     };
