@@ -143,7 +143,8 @@ class TADOTable : public TCustomADODataSet {
 
     const AnsiString& TableName() const { return tableName_; }
     void SetTableName(const AnsiString& value);
-    // The order of the records: names of fields, separated by semicolons, or an index.
+    // The order of the records: names of fields, separated by semicolons, or an index; without either that of their
+    // making, or of the primary key where the engine keeps no order.
     const AnsiString& IndexFieldNames() const { return indexFieldNames_; }
     void SetIndexFieldNames(const AnsiString& value);
     const AnsiString& IndexName() const { return indexName_; }

@@ -41,6 +41,14 @@ std::unique_ptr<ProviderConnection> OpenProvider(const ConnectionString& setting
     throw EDatabaseError("Provider=" + wanted + ": there is no such provider; there are: " + known);
 }
 
+AnsiString ProviderConnection::Returning(const std::vector<AnsiString>& columns) const {
+    AnsiString names;
+    for (const AnsiString& column : columns) names += (names.empty() ? " RETURNING " : ", ") + column;
+    return names;
+}
+
+void ProviderConnection::Listen(const AnsiString&) { throw EDatabaseError("This database sends no notices"); }
+
 const EnumType& TypeInfoOf(TypeTag<TXactAttribute>) {
     static const EnumType info("TXactAttribute", {"xaCommitRetaining", "xaAbortRetaining"});
     return info;
@@ -164,6 +172,10 @@ ProviderConnection& TADOConnection::Provider() {
 }
 
 void TADOConnection::FinishReading() {
+    if (!Provider().WritesBesideReading()) FetchRest();
+}
+
+void TADOConnection::FetchRest() {
     for (TCustomADODataSet* dataSet : std::vector<TCustomADODataSet*>(dataSets_))
         if (dataSet->Active() && !dataSet->AllFetched()) dataSet->RecordCount();
 }
@@ -188,8 +200,16 @@ void TADOConnection::CommitTrans() {
 
 void TADOConnection::RollbackTrans() {
     if (!InTransaction()) throw EDatabaseError("There is no transaction to roll back");
-    FinishReading();
+    // Results may go with what they were read in.
+    FetchRest();
     connection_->Rollback();
+}
+
+void TADOConnection::Listen(const AnsiString& channel) { Provider().Listen(channel); }
+
+void TADOConnection::CheckNotices() {
+    if (!connection_) return;
+    for (const ProviderNotice& notice : connection_->TakeNotices()) OnNotice(this, notice.Channel, notice.Payload);
 }
 
 void TADOConnection::GetTableNames(TStrings& list, bool systemTables) {

@@ -91,8 +91,16 @@ class TADOConnection : public TComponent {
     void GetProcedureNames(TStrings& list);
     // The provider's connection, made when it is not there.
     ProviderConnection& Provider();
-    // Has every dataset fetch the rest of its records: results that are read halfway stand in the way of writing.
+    // Before something is written: where results that are read halfway stand in the way, every dataset fetches the
+    // rest.
     void FinishReading();
+
+    // Notices that users of a database send each other, a sign to refresh what is shown, where the engine has such
+    // (raises EDatabaseError where it has not). CheckNotices, called now and then (by a timer), takes those that came
+    // on the channels listened to and gives each to OnNotice.
+    void Listen(const AnsiString& channel);
+    void CheckNotices();
+    Event<void(TADOConnection* Sender, const AnsiString& Channel, const AnsiString& Payload)> OnNotice;
 
     TNotifyEvent BeforeConnect;
     TNotifyEvent AfterConnect;
@@ -104,6 +112,7 @@ class TADOConnection : public TComponent {
   private:
     friend class TCustomADODataSet;
     void CheckClosed() const;
+    void FetchRest();
     AnsiString FullConnectionString() const;
 
     AnsiString connectionString_;

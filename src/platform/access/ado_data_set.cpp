@@ -181,8 +181,8 @@ ProviderConnection& TCustomADODataSet::RequireConnection() {
 }
 
 void TCustomADODataSet::FinishReading() {
-    if (Active()) RecordCount();
     if (connection_) connection_->FinishReading();
+    if (ownConnection_ && Active() && !ownConnection_->Provider().WritesBesideReading()) RecordCount();
 }
 
 std::vector<FieldDefinition> TCustomADODataSet::InternalOpen() {

@@ -91,7 +91,12 @@ std::vector<TADOTable::Pair> TADOTable::Links() const {
 }
 
 std::vector<AnsiString> TADOTable::OrderFields() {
-    if (indexName_.empty()) return ado_table_detail::SplitNames(indexFieldNames_);
+    if (indexName_.empty()) {
+        std::vector<AnsiString> names = ado_table_detail::SplitNames(indexFieldNames_);
+        if (names.empty() && !RequireConnection().Dialect().KeepsOrder)
+            names = RequireConnection().KeyColumns(tableName_);
+        return names;
+    }
     std::vector<AnsiString> columns = RequireConnection().IndexColumns(tableName_, indexName_);
     if (columns.empty()) DatabaseError("Index '" + indexName_ + "' not found");
     return columns;
@@ -102,8 +107,9 @@ AnsiString TADOTable::CommandText() {
     const EngineDialect& dialect = RequireConnection().Dialect();
     AnsiString conditions, order;
     for (const Pair& pair : Links())
-        conditions +=
-            (conditions.empty() ? " WHERE " : " AND ") + dialect.QuotedName(pair.detail) + dialect.SameValue + "?";
+        // Plainly equal where it can be: engines find that by an index.
+        conditions += (conditions.empty() ? " WHERE " : " AND ") + dialect.QuotedName(pair.detail) +
+                      (pair.master->IsNull() ? dialect.SameValue : AnsiString(" = ")) + "?";
     for (const AnsiString& name : OrderFields())
         order += (order.empty() ? " ORDER BY " : ", ") + dialect.QuotedName(name);
     return "SELECT * FROM " + dialect.QuotedName(tableName_) + conditions + order;

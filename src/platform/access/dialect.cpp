@@ -36,10 +36,13 @@ AnsiString DateLiteral(const SqlToken& token, const EngineDialect& dialect) {
     ParseDateLiteral(token.Text.substr(1, token.Text.size() - 2), days, parts);
     if (parts == DateLiteralParts::Both && dialect.MidnightIsDateAlone && days == static_cast<int64_t>(days))
         parts = DateLiteralParts::Date;
-    const AnsiString& mask = parts == DateLiteralParts::Date   ? dialect.DateMask
-                             : parts == DateLiteralParts::Time ? dialect.TimeMask
-                                                               : dialect.DateTimeMask;
-    return dialect.DateBefore + FormatDateTime(mask, days, InvariantFormatSettings()) + dialect.DateAfter;
+    Word hour, minute, second, millisecond;
+    DecodeTime(days, hour, minute, second, millisecond);
+    const bool dateAlone = parts == DateLiteralParts::Date, timeAlone = parts == DateLiteralParts::Time;
+    const AnsiString& before = dateAlone ? dialect.DateBefore : timeAlone ? dialect.TimeBefore : dialect.DateTimeBefore;
+    AnsiString mask = dateAlone ? dialect.DateMask : timeAlone ? dialect.TimeMask : dialect.DateTimeMask;
+    if (millisecond != 0) mask += ".zzz";
+    return before + FormatDateTime(mask, days, InvariantFormatSettings()) + dialect.DateAfter;
 }
 
 AnsiString TextWithNul(std::string_view literal, const EngineDialect& dialect) {
@@ -56,12 +59,53 @@ AnsiString TextWithNul(std::string_view literal, const EngineDialect& dialect) {
     return dialect.TextWithNul(text);
 }
 
-// Writes tokens for an engine. A first walk finds the limits of rows: which tokens say them, and where they go.
+// The pattern of a LIKE, with its quotes, as engines take it: "*" and "?" are wild as "%" and "_" are; a character
+// alone in brackets is itself.
+AnsiString Pattern(std::string_view quoted) {
+    constexpr char kEscape = '\\';
+    const std::string_view inside = quoted.substr(1, quoted.size() - 2);
+    AnsiString text;
+    bool escaped = false;
+    for (size_t i = 0; i < inside.size(); ++i) {
+        char c = inside[i];
+        const bool itself = c == '[' && i + 2 < inside.size() && inside[i + 2] == ']';
+        if (itself) c = inside[i += 1];
+        if (itself) ++i;
+        const bool wild = c == '%' || c == '_';
+        if (c == kEscape || (itself && wild)) {
+            text += kEscape;
+            escaped = true;
+        }
+        text += itself ? c : c == '*' ? '%' : c == '?' ? '_' : c;
+    }
+    const AnsiString pattern = quoted.front() + text + quoted.back();
+    return escaped ? pattern + " ESCAPE '" + kEscape + "'" : pattern;
+}
+
+// Whether an operand of "&" ends before such a word.
+bool EndsOperand(const SqlToken& token) {
+    if (token.Kind != SqlTokenKind::Identifier) return false;
+    for (const char* word :
+         {"SELECT", "DISTINCT", "ALL",    "DISTINCTROW", "FROM",   "WHERE",     "GROUP",  "ORDER", "BY",
+          "HAVING", "UNION",    "EXCEPT", "INTERSECT",   "LIMIT",  "OFFSET",    "FETCH",  "AS",    "ON",
+          "JOIN",   "INNER",    "LEFT",   "RIGHT",       "FULL",   "CROSS",     "AND",    "OR",    "NOT",
+          "LIKE",   "IN",       "IS",     "BETWEEN",     "ESCAPE", "ASC",       "DESC",   "WHEN",  "THEN",
+          "ELSE",   "CASE",     "END",    "SET",         "VALUES", "RETURNING", "COLLATE"})
+        if (SameText(token.Text, word)) return true;
+    return false;
+}
+bool EndsOperandSymbol(const SqlToken& token) {
+    return token.Kind == SqlTokenKind::Symbol && AnsiString(",;=<>&").find(token.Text.front()) != AnsiString::npos;
+}
+
+// Writes tokens for an engine. First walks find what is said otherwise, and which tokens say it.
 class Translator {
   public:
     Translator(const AnsiString& sql, const EngineDialect& dialect, ParameterParsing parsing)
         : dialect_(dialect), parsing_(parsing), tokens_(TokenizeSql(sql)), pieces_(tokens_.size() + 1) {
         FindLimits();
+        FindWords();
+        FindJoinedTexts();
     }
 
     EngineSql Write() {
@@ -78,7 +122,7 @@ class Translator {
     struct Piece {
         AnsiString before;
         AnsiString after;
-        bool dropped = false;
+        bool dropped = false;  // what is written instead stands in `before`
     };
     // A SELECT whose end is not reached yet.
     struct Open {
@@ -129,6 +173,124 @@ class Translator {
     }
     bool HasKeyword(size_t at, std::string_view word) const {
         return at < tokens_.size() && IsKeyword(tokens_[at], word);
+    }
+
+    bool HasSymbol(size_t at, char symbol) const { return at < tokens_.size() && IsSymbol(tokens_[at], symbol); }
+    void Say(size_t at, const AnsiString& text) {
+        pieces_[at].before += text;
+        pieces_[at].dropped = true;
+    }
+
+    // Functions and words that engines call otherwise.
+    void FindWords() {
+        bool afterDot = false;
+        for (size_t i = 0; i < tokens_.size(); ++i) {
+            if (IsFiller(tokens_[i])) continue;
+            const bool qualified = afterDot;
+            afterDot = IsSymbol(tokens_[i], '.');
+            if (tokens_[i].Kind != SqlTokenKind::Identifier || qualified) continue;
+            const size_t next = NextToken(i);
+            const bool called = HasSymbol(next, '(');
+            if (called && HasSymbol(NextToken(next), ')')) {
+                const AnsiString* function = HasKeyword(i, "NOW")    ? &dialect_.Now
+                                             : HasKeyword(i, "DATE") ? &dialect_.Today
+                                             : HasKeyword(i, "TIME") ? &dialect_.TimeNow
+                                                                     : nullptr;
+                if (!function) continue;
+                Say(i, *function);
+                for (size_t each = i + 1; each <= NextToken(next); ++each) pieces_[each].dropped = true;
+            } else if (called) {
+                if (HasKeyword(i, "IIF") && !dialect_.HasIif) WriteCase(i, next);
+            } else if (HasKeyword(i, "LIKE")) {
+                Say(i, dialect_.Like);
+                const bool literal = next < tokens_.size() && tokens_[next].Kind == SqlTokenKind::Quoted &&
+                                     tokens_[next].Text.size() >= 2 &&
+                                     tokens_[next].Text.front() == tokens_[next].Text.back();
+                // Who says how wild characters are meant knows what the engine takes.
+                if (literal && !HasKeyword(NextToken(next), "ESCAPE")) Say(next, Pattern(tokens_[next].Text));
+            } else if (!HasSymbol(next, '.')) {
+                if (HasKeyword(i, "TRUE") && dialect_.True != "TRUE") Say(i, dialect_.True);
+                if (HasKeyword(i, "FALSE") && dialect_.False != "FALSE") Say(i, dialect_.False);
+                // Records are told apart by what is shown of them.
+                if (HasKeyword(i, "DISTINCTROW")) Say(i, "DISTINCT");
+            }
+        }
+    }
+
+    // IIF(a, b, c) is (CASE WHEN a THEN b ELSE c END); other numbers of arguments are left to the engine.
+    void WriteCase(size_t iif, size_t open) {
+        std::vector<size_t> commas;
+        int depth = 0;
+        for (size_t i = open; i < tokens_.size(); ++i) {
+            if (IsSymbol(tokens_[i], '(')) ++depth;
+            if (depth == 1 && IsSymbol(tokens_[i], ',')) commas.push_back(i);
+            if (!IsSymbol(tokens_[i], ')') || --depth > 0) continue;
+            if (commas.size() != 2) return;
+            for (size_t each = iif; each < open; ++each) pieces_[each].dropped = true;
+            Say(open, "(CASE WHEN ");
+            Say(commas[0], " THEN");
+            Say(commas[1], " ELSE");
+            Say(i, " END)");
+            return;
+        }
+    }
+
+    // Chains of texts: "a & b & c".
+    void FindJoinedTexts() {
+        std::vector<std::vector<size_t>> open(1);  // tokens of the operands of this level, so far
+        std::vector<std::vector<size_t>> joins(1);
+        const auto end = [&] {
+            if (!joins.back().empty() && !open.back().empty()) JoinTexts(open.back(), joins.back());
+            open.back().clear();
+            joins.back().clear();
+        };
+        for (size_t i = 0; i < tokens_.size(); ++i) {
+            const SqlToken& token = tokens_[i];
+            if (IsFiller(token)) continue;
+            if (IsSymbol(token, '(')) {
+                open.back().push_back(i);
+                open.emplace_back();
+                joins.emplace_back();
+            } else if (IsSymbol(token, ')')) {
+                end();
+                if (open.size() > 1) {
+                    open.pop_back();
+                    joins.pop_back();
+                }
+                open.back().push_back(i);
+            } else if (IsSymbol(token, '&')) {
+                joins.back().push_back(i);
+            } else if (EndsOperand(token) || EndsOperandSymbol(token)) {
+                end();
+            } else {
+                open.back().push_back(i);
+            }
+        }
+        while (!open.empty()) {
+            end();
+            open.pop_back();
+            joins.pop_back();
+        }
+    }
+
+    // `tokens` of the operands, between which stand the tokens `joins`; each must have something on both sides.
+    void JoinTexts(const std::vector<size_t>& tokens, const std::vector<size_t>& joins) {
+        std::vector<std::pair<size_t, size_t>> operands;
+        size_t at = 0;
+        for (size_t i = 0; i <= joins.size(); ++i) {
+            const size_t from = at;
+            while (at < tokens.size() && (i == joins.size() || tokens[at] < joins[i])) ++at;
+            if (at == from) return;
+            operands.emplace_back(tokens[from], tokens[at - 1]);
+        }
+        for (size_t i = 0; i < operands.size(); ++i) {
+            const auto [first, last] = operands[i];
+            pieces_[first].before =
+                (i == 0 ? dialect_.JoinOpen : AnsiString()) + dialect_.JoinedOpen + pieces_[first].before;
+            pieces_[last].after = dialect_.JoinedClose +
+                                  (i + 1 == operands.size() ? dialect_.JoinClose : AnsiString()) + pieces_[last].after;
+        }
+        for (size_t join : joins) Say(join, dialect_.JoinBetween);
     }
 
     void FindLimits() {
@@ -202,7 +364,7 @@ class Translator {
         now.limit.clear();
         // The part of a compound that is limited by itself becomes a table.
         if (now.inCompound) pieces_[now.select].before += "SELECT * FROM (";
-        pieces_[last].after += clause + (now.inCompound ? ")" : "");
+        pieces_[last].after += clause + (now.inCompound ? ") AS first_rows" : "");
     }
 
     const EngineDialect& dialect_;
@@ -215,54 +377,6 @@ class Translator {
 
 EngineSql TranslateSql(const AnsiString& sql, const EngineDialect& dialect, ParameterParsing parsing) {
     return dialect_detail::Translator(sql, dialect, parsing).Write();
-}
-
-std::vector<AnsiString> ParameterNamesOf(const AnsiString& sql) {
-    std::vector<AnsiString> names;
-    for (const SqlToken& token : TokenizeSql(sql)) {
-        if (token.Kind != SqlTokenKind::Parameter) continue;
-        const AnsiString name = NameOf(token);
-        if (std::none_of(names.begin(), names.end(), [&](const AnsiString& each) { return AnsiSameText(each, name); }))
-            names.push_back(name);
-    }
-    return names;
-}
-
-QueryShape ShapeOf(const AnsiString& sql) {
-    using namespace dialect_detail;
-    QueryShape shape;
-    int depth = 0;
-    bool first = true, inFrom = false, wantsSource = false, afterDot = false;
-    for (const SqlToken& token : TokenizeSql(sql)) {
-        if (IsFiller(token)) continue;
-        if (first) shape.IsSelect = IsKeyword(token, "SELECT") || IsKeyword(token, "WITH");
-        first = false;
-        if (IsSymbol(token, '(')) ++depth;
-        if (IsSymbol(token, ')')) --depth;
-        if (depth > 0) {
-            wantsSource = false;
-            continue;
-        }
-        if (wantsSource && !IsSymbol(token, '.')) {
-            // A name with a dot behind it was a schema's.
-            const bool named = shape.Source.empty() || afterDot;
-            if (named) shape.Source = NameOf(token);
-            wantsSource = named;
-        }
-        afterDot = IsSymbol(token, '.');
-        if (JoinsSelects(token)) shape.IsCompound = true;
-        if (IsKeyword(token, "GROUP") || IsKeyword(token, "DISTINCT") || IsKeyword(token, "DISTINCTROW"))
-            shape.IsGrouped = true;
-        if (IsKeyword(token, "FROM")) {
-            inFrom = wantsSource = true;
-        } else if (inFrom && (IsKeyword(token, "JOIN") || IsSymbol(token, ','))) {
-            shape.IsJoined = true;
-        } else if (IsKeyword(token, "WHERE") || IsKeyword(token, "ORDER") || IsKeyword(token, "GROUP") ||
-                   IsKeyword(token, "HAVING") || IsKeyword(token, "LIMIT")) {
-            inFrom = false;
-        }
-    }
-    return shape;
 }
 
 }  // namespace vyn

@@ -21,8 +21,10 @@ struct EngineDialect {
     // Around names; the closing one is doubled inside.
     char NameOpen = '"';
     char NameClose = '"';
-    // What stands around date literals, and masks of FormatDateTime for what is inside.
+    // What stands around literals of dates, times, and both, and masks of FormatDateTime for what is inside.
     AnsiString DateBefore = "'";
+    AnsiString TimeBefore = "'";
+    AnsiString DateTimeBefore = "'";
     AnsiString DateAfter = "'";
     AnsiString DateMask = "yyyy-mm-dd";
     AnsiString TimeMask = "hh:nn:ss";
@@ -31,6 +33,25 @@ struct EngineDialect {
     bool MidnightIsDateAlone = false;
     // Between two values that are the same, both null included.
     AnsiString SameValue = " IS NOT DISTINCT FROM ";
+    // Whether a table's rows come in the order of their making where none is asked for, also after they were changed;
+    // tables are read in their keys' order otherwise.
+    bool KeepsOrder = false;
+    // Comparison with a pattern, whatever the letters' case.
+    AnsiString Like = "LIKE";
+    // IIF(condition, one, other); without it CASE does the same.
+    bool HasIif = false;
+    // Texts one behind the other, nulls being empty: what stands around all of them, between two, and around each.
+    AnsiString JoinOpen = "CONCAT(";
+    AnsiString JoinBetween = ",";
+    AnsiString JoinClose = ")";
+    AnsiString JoinedOpen;
+    AnsiString JoinedClose;
+    // The present moment, day, and time of day.
+    AnsiString Now = "LOCALTIMESTAMP";
+    AnsiString Today = "CURRENT_DATE";
+    AnsiString TimeNow = "LOCALTIME";
+    AnsiString True = "TRUE";
+    AnsiString False = "FALSE";
     // Behind a SELECT that holds its row for the transaction; empty where writing locks.
     AnsiString HoldRow;
     // The expression for a text (without its quotes) that holds a NUL character, at which statements end; without it

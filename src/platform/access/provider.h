@@ -38,6 +38,12 @@ class ProviderStatement {
 
 enum class SystemTables { Leave, Include };
 
+// A word from another user of the database: that something has changed, say.
+struct ProviderNotice {
+    AnsiString Channel;
+    AnsiString Payload;
+};
+
 class ProviderConnection {
   public:
     virtual ~ProviderConnection() = default;
@@ -48,6 +54,8 @@ class ProviderConnection {
     virtual int64_t Execute(const AnsiString& sql) = 0;
     virtual std::vector<AnsiString> TableNames(SystemTables system) = 0;
     virtual std::vector<AnsiString> ProcedureNames() = 0;
+    // Whether there is a table, and no view, of this name.
+    virtual bool IsTable(const AnsiString& name) = 0;
     // The columns of a table's primary key, and of one of its indexes, in their order; empty when there is none.
     virtual std::vector<AnsiString> KeyColumns(const AnsiString& table) = 0;
     virtual std::vector<AnsiString> IndexColumns(const AnsiString& table, const AnsiString& index) = 0;
@@ -56,8 +64,16 @@ class ProviderConnection {
     virtual int Commit() = 0;
     virtual int Rollback() = 0;
     virtual int TransactionDepth() const = 0;
-    // What follows an INSERT or UPDATE to have it give back `columns` as the engine then holds them.
-    virtual AnsiString Returning(const std::vector<AnsiString>& columns) const = 0;
+    // What follows an INSERT or UPDATE to have it give back `columns` as the engine then holds them; empty where the
+    // record is read again by its key.
+    virtual AnsiString Returning(const std::vector<AnsiString>& columns) const;
+    // Where nothing follows an INSERT: a query for the number that its record's key was given; empty for none.
+    virtual AnsiString LastKeyQuery() const { return {}; }
+    // Whether results that are read halfway may stay so while the connection writes.
+    virtual bool WritesBesideReading() const { return false; }
+    // Has other connections' notices on a channel kept, and takes those that came. Raises where there are none.
+    virtual void Listen(const AnsiString& channel);
+    virtual std::vector<ProviderNotice> TakeNotices() { return {}; }
 };
 
 using ProviderFactory = std::function<std::unique_ptr<ProviderConnection>(const ConnectionString& settings)>;

@@ -10,6 +10,7 @@ namespace vyn {
 
 namespace table_writer_detail {
 
+constexpr size_t kKeptStatements = 8;
 constexpr char kCannotBeChanged[] = ", so its records cannot be changed";
 
 // A transaction, or a part of the one that there is, which ends with what is done in it.
@@ -63,6 +64,7 @@ AnsiString TableWriter::FindReason(const QueryShape& shape) {
     if (!AnsiSameText(shape.Source, table_))
         return (shape.Source.empty() ? AnsiString("This query reads another query") : shape.Source + " is no table") +
                kCannotBeChanged;
+    if (!connection_.IsTable(table_)) return table_ + " is no table" + kCannotBeChanged;
     const std::vector<AnsiString> keys = connection_.KeyColumns(table_);
     if (keys.empty()) return "The table " + table_ + " has no primary key" + kCannotBeChanged;
     for (const AnsiString& key : keys) {
@@ -105,6 +107,14 @@ AnsiString TableWriter::Condition(const Record& original, const std::vector<size
     return text;
 }
 
+ProviderStatement& TableWriter::Prepared(const AnsiString& sql) {
+    for (const auto& [text, statement] : prepared_)
+        if (text == sql) return *statement;
+    if (prepared_.size() >= table_writer_detail::kKeptStatements) prepared_.erase(prepared_.begin());
+    prepared_.emplace_back(sql, connection_.Prepare(sql));
+    return *prepared_.back().second;
+}
+
 bool TableWriter::FetchInto(const AnsiString& sql, const std::vector<ProviderValue>& values, Record& record) {
     const std::vector<size_t> ours = OurColumns();
     std::vector<FieldDefinition> definitions;
@@ -113,11 +123,11 @@ bool TableWriter::FetchInto(const AnsiString& sql, const std::vector<ProviderVal
         definitions.push_back(columns_[column]);
         kinds.push_back(ColumnKindOf(columns_[column].DataType));
     }
-    const auto statement = connection_.Prepare(sql);
-    statement->ExpectColumns(definitions);
-    statement->Bind(values);
+    ProviderStatement& statement = Prepared(sql);
+    statement.ExpectColumns(definitions);
+    statement.Bind(values);
     RowStore rows(kinds);
-    while (statement->Fetch(rows, INT64_MAX)) {
+    while (statement.Fetch(rows, INT64_MAX)) {
     }
     if (rows.Count() == 0) return false;
     for (size_t i = 0; i < ours.size(); ++i) record[ours[i]] = rows.CellAt(0, static_cast<int>(i));
@@ -139,7 +149,9 @@ void TableWriter::Insert(Record& record) {
     std::vector<AnsiString> returned;
     for (size_t column : OurColumns()) {
         returned.push_back(NameOf(column));
-        if (record[column].IsUnset() || !IsWritable(column)) continue;
+        // A key that counts by itself counts where none is given.
+        const bool counts = record[column].IsNull() && columns_[column].InKey && columns_[column].Automatic;
+        if (record[column].IsUnset() || counts || !IsWritable(column)) continue;
         names += (names.empty() ? "" : ", ") + NameOf(column);
         marks += marks.empty() ? "?" : ", ?";
         values.push_back(ValueOf(record, column));
@@ -147,8 +159,37 @@ void TableWriter::Insert(Record& record) {
     const AnsiString into = "INSERT INTO " + connection_.Dialect().QuotedName(table_);
     const AnsiString sql =
         into + (names.empty() ? AnsiString(" DEFAULT VALUES") : " (" + names + ") VALUES (" + marks + ")");
-    if (!FetchInto(sql + connection_.Returning(returned), values, record))
-        throw EDatabaseError("The record was not inserted into " + table_);
+    const AnsiString returning = connection_.Returning(returned);
+    if (!returning.empty()) {
+        if (!FetchInto(sql + returning, values, record))
+            throw EDatabaseError("The record was not inserted into " + table_);
+        return;
+    }
+    table_writer_detail::WritingTransaction transaction(connection_);
+    ProviderStatement& statement = Prepared(sql);
+    statement.Bind(values);
+    if (statement.Execute() == 0) throw EDatabaseError("The record was not inserted into " + table_);
+    ReadInserted(record);
+    transaction.Commit();
+}
+
+void TableWriter::ReadInserted(Record& record) {
+    Record wanted = record;
+    for (size_t column : key_) {
+        if (!wanted[column].IsUnset()) continue;
+        // What was not given was counted.
+        const AnsiString query = connection_.LastKeyQuery();
+        if (key_.size() != 1 || query.empty()) return;
+        ProviderStatement& statement = Prepared(query);
+        statement.ExpectColumns({{"key", ftLargeint}});
+        statement.Bind({});
+        RowStore rows({ColumnKind::Integer});
+        while (statement.Fetch(rows, INT64_MAX)) {
+        }
+        if (rows.Count() == 0 || rows.IsNull(0, 0)) return;
+        wanted[column] = Cell::Integer(rows.Integer(0, 0));
+    }
+    Reread(wanted, record);
 }
 
 bool TableWriter::UpdateWhere(const Record& original, Record& record, const std::vector<size_t>& changed,
@@ -161,9 +202,15 @@ bool TableWriter::UpdateWhere(const Record& original, Record& record, const std:
         sets += (sets.empty() ? "" : ", ") + NameOf(column) + " = ?";
         values.push_back(ValueOf(record, column));
     }
+    const AnsiString returning = connection_.Returning(returned);
     const AnsiString sql = "UPDATE " + connection_.Dialect().QuotedName(table_) + " SET " + sets +
-                           Condition(original, compared, values) + connection_.Returning(returned);
-    return FetchInto(sql, values, record);
+                           Condition(original, compared, values) + returning;
+    if (!returning.empty()) return FetchInto(sql, values, record);
+    ProviderStatement& statement = Prepared(sql);
+    statement.Bind(values);
+    if (statement.Execute() == 0) return false;
+    Reread(Record(record), record);
+    return true;
 }
 
 void TableWriter::Update(const Record& original, Record& record) {
@@ -188,9 +235,9 @@ void TableWriter::Delete(const Record& original) {
     const AnsiString from = "DELETE FROM " + connection_.Dialect().QuotedName(table_);
     const auto run = [&](const std::vector<size_t>& compared) {
         std::vector<ProviderValue> values;
-        const auto statement = connection_.Prepare(from + Condition(original, compared, values));
-        statement->Bind(values);
-        return statement->Execute() > 0;
+        ProviderStatement& statement = Prepared(from + Condition(original, compared, values));
+        statement.Bind(values);
+        return statement.Execute() > 0;
     };
     const std::vector<size_t> ours = OurColumns();
     table_writer_detail::WritingTransaction transaction(connection_);

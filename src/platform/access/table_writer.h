@@ -36,6 +36,10 @@ class TableWriter {
                      const std::vector<size_t>& compared);
     // Runs a statement that gives one of our records; false when it gives none.
     bool FetchInto(const AnsiString& sql, const std::vector<ProviderValue>& values, Record& record);
+    // Statements are kept, so that writing many records prepares few.
+    ProviderStatement& Prepared(const AnsiString& sql);
+    // Reads the record that was inserted just now.
+    void ReadInserted(Record& record);
     [[noreturn]] void RaiseConflict(const Record& original, const Record* mine, const Record* theirs,
                                     const std::vector<size_t>& changed) const;
 
@@ -44,6 +48,7 @@ class TableWriter {
     AnsiString table_;
     AnsiString reason_;
     std::vector<size_t> key_;
+    std::vector<std::pair<AnsiString, std::unique_ptr<ProviderStatement>>> prepared_;
 };
 
 }  // namespace vyn

@@ -111,7 +111,8 @@ Cell CellOf(const Variant& value, TFieldType type) {
         case ftBCD:
             return Cell::Integer(value.AsCurrency().Val);
         case ftDate:
-            return Cell::Real(std::floor(value.AsDateTime().Val));
+            // Also before the epoch: times count away from zero.
+            return Cell::Real(std::trunc(value.AsDateTime().Val));
         case ftTime: {
             // The time of day counts forward also before the epoch.
             const double days = value.AsDateTime().Val;

@@ -97,6 +97,14 @@ std::vector<AnsiString> ListTables(sqlite3* database, SystemTables system) {
     return names;
 }
 
+bool IsTable(sqlite3* database, const AnsiString& name) {
+    catalog_detail::Question question(database,
+                                      "SELECT 1 FROM (SELECT name, type FROM sqlite_master UNION SELECT name, type "
+                                      "FROM sqlite_temp_master) WHERE type = 'table' AND name = ? COLLATE NOCASE",
+                                      {AnsiToUtf8(name)});
+    return question.Next();
+}
+
 std::vector<AnsiString> ListKeyColumns(sqlite3* database, const AnsiString& table) {
     catalog_detail::Question question(database, "SELECT name FROM pragma_table_xinfo(?) WHERE pk > 0 ORDER BY pk",
                                       {AnsiToUtf8(table)});

@@ -60,6 +60,7 @@ class SqliteConnection final : public ProviderConnection {
     std::vector<AnsiString> TableNames(SystemTables system) override { return ListTables(database_.get(), system); }
     // The engine has none.
     std::vector<AnsiString> ProcedureNames() override { return {}; }
+    bool IsTable(const AnsiString& name) override { return vyn::sqlite_provider::IsTable(database_.get(), name); }
     std::vector<AnsiString> KeyColumns(const AnsiString& table) override {
         return ListKeyColumns(database_.get(), table);
     }
@@ -90,12 +91,6 @@ class SqliteConnection final : public ProviderConnection {
             Run("ROLLBACK", "The transaction cannot be taken back");
         }
         return depth_ = std::max(depth - 1, 0);
-    }
-
-    AnsiString Returning(const std::vector<AnsiString>& columns) const override {
-        AnsiString names;
-        for (const AnsiString& column : columns) names += (names.empty() ? " RETURNING " : ", ") + column;
-        return names;
     }
 
   private:

@@ -42,6 +42,7 @@ struct ColumnDescription {
 };
 std::vector<ColumnDescription> DescribeTable(sqlite3* database, const std::string& table);
 std::vector<AnsiString> ListTables(sqlite3* database, SystemTables system);
+bool IsTable(sqlite3* database, const AnsiString& name);
 std::vector<AnsiString> ListKeyColumns(sqlite3* database, const AnsiString& table);
 std::vector<AnsiString> ListIndexColumns(sqlite3* database, const AnsiString& table, const AnsiString& index);
 

@@ -22,6 +22,15 @@ const EngineDialect& sqlite_provider::Dialect() {
         made.Limit = EngineDialect::RowLimit::LimitAtEnd;
         made.MidnightIsDateAlone = true;
         made.SameValue = " IS ";
+        made.KeepsOrder = true;
+        made.HasIif = true;
+        made.JoinOpen = "(";
+        made.JoinBetween = "||";
+        made.JoinedOpen = "IFNULL(";
+        made.JoinedClose = ", '')";
+        made.Now = "datetime('now', 'localtime')";
+        made.Today = "date('now', 'localtime')";
+        made.TimeNow = "time('now', 'localtime')";
         made.TextWithNul = sqlite_dialect_detail::TextOfBytes;
         return made;
     }();

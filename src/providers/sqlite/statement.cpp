@@ -93,8 +93,7 @@ class SqliteStatement final : public ProviderStatement {
         const Cell& cell = value.Value;
         if (cell.IsNull()) return sqlite3_bind_null(statement, index);
         if (cell.IsInteger()) {
-            if (value.Type == ftCurrency || value.Type == ftBCD)
-                return sqlite3_bind_double(statement, index, Currency::FromScaled(cell.AsInteger()).ToDouble());
+            if (value.Type == ftCurrency || value.Type == ftBCD) return BindAmount(index, cell.AsInteger());
             return sqlite3_bind_int64(statement, index, cell.AsInteger());
         }
         if (cell.IsReal()) {
@@ -107,6 +106,17 @@ class SqliteStatement final : public ProviderStatement {
             return sqlite3_bind_blob64(statement, index, bytes.data() ? bytes.data() : "", bytes.size(),
                                        SQLITE_TRANSIENT);
         return BindText(index, bytes);
+    }
+    // Whole amounts as such; others as the engine's real numbers, which must say them to the last digit.
+    int BindAmount(int index, int64_t scaled) {
+        if (scaled % Currency::kScale == 0)
+            return sqlite3_bind_int64(statement_.get(), index, scaled / Currency::kScale);
+        const Currency amount = Currency::FromScaled(scaled);
+        const double real = amount.ToDouble();
+        if (Currency(real) != amount)
+            throw EDatabaseError("This database keeps 15 digits of a number: " +
+                                 CurrToStr(amount, InvariantFormatSettings()) + " has more");
+        return sqlite3_bind_double(statement_.get(), index, real);
     }
     int BindText(int index, std::string_view text) {
         return sqlite3_bind_text64(statement_.get(), index, text.data() ? text.data() : "", text.size(),
