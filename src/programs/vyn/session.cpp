@@ -14,6 +14,7 @@
 #include "platform/text/windows1252.h"
 #include "programs/host/node_forms.h"
 #include "programs/vyn/script_database.h"
+#include "providers/postgresql/connection.h"
 #include "providers/sqlite/connection.h"
 
 namespace vyn {
@@ -64,6 +65,7 @@ Session::Session(const RunOptions& options) {
     RunOptions wanted = options;
     if (wanted.Demo) wanted.File = DemoFolder();
     RegisterSqliteProvider();
+    RegisterPostgresqlProvider();
     file_ = ExpandFileName(Utf8ToAnsi(wanted.File));
     valuesFile_ = wanted.ValuesFile.empty() ? ChangeFileExt(file_, ".values") : Utf8ToAnsi(wanted.ValuesFile);
     // The sample may stand where the user cannot write.

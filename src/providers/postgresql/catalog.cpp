@@ -1,0 +1,163 @@
+#include <algorithm>
+#include <map>
+
+#include "platform/access/sql_tokens.h"
+#include "platform/text/compare.h"
+#include "platform/text/windows1252.h"
+#include "providers/postgresql/connection.h"
+
+// What the server's catalog says of tables.
+namespace vyn::postgresql_provider {
+
+constexpr char kCatalogFailed[] = "The catalog cannot be read";
+
+// The number of the table that a name means: the one spelt like it, else one that differs in case.
+constexpr char kTableOf[] =
+    "(SELECT oid FROM pg_class WHERE lower(relname) = lower($1) AND relkind IN ('r', 'p', 'f', 'v', 'm') "
+    "AND pg_table_is_visible(oid) ORDER BY relname <> $1 LIMIT 1)";
+
+Result PostgresqlConnection::Question(const std::string& sql, const std::vector<AnsiString>& values) {
+    Ready();
+    std::vector<ProviderValue> given;
+    for (const AnsiString& value : values) given.push_back({ftString, Cell::Bytes(AnsiToUtf8(value))});
+    const Arguments arguments(given, Arguments::Types::Said);
+    return Protected(
+        [&] {
+            return Result(PQexecParams(handle_.get(), sql.c_str(), arguments.Count(), arguments.TypeNumbers(),
+                                       arguments.Values(), arguments.Lengths(), arguments.Formats(), kTextFormat));
+        },
+        kCatalogFailed);
+}
+
+std::vector<AnsiString> PostgresqlConnection::Names(const std::string& sql, const std::vector<AnsiString>& values) {
+    const Result result = Question(sql, values);
+    std::vector<AnsiString> names;
+    for (int i = 0; i < PQntuples(result.get()); ++i) names.push_back(Utf8ToAnsiLossy(PQgetvalue(result.get(), i, 0)));
+    return names;
+}
+
+std::vector<AnsiString> PostgresqlConnection::TableNames(SystemTables system) {
+    std::string sql =
+        "SELECT relname FROM pg_class AS c, pg_namespace AS n WHERE relnamespace = n.oid AND relkind IN ('r', 'p', "
+        "'f', 'v', 'm') AND pg_table_is_visible(c.oid)";
+    if (system == SystemTables::Leave) sql += " AND nspname NOT IN ('pg_catalog', 'information_schema')";
+    return Names(sql + " ORDER BY relname COLLATE \"C\"", {});
+}
+
+std::vector<AnsiString> PostgresqlConnection::ProcedureNames() {
+    return Names(
+        "SELECT DISTINCT proname COLLATE \"C\" AS name FROM pg_proc AS p, pg_namespace AS n WHERE pronamespace = n.oid "
+        "AND prokind IN ('p', 'f') AND nspname NOT IN ('pg_catalog', 'information_schema') "
+        "AND pg_function_is_visible(p.oid) ORDER BY name",
+        {});
+}
+
+bool PostgresqlConnection::IsTable(const AnsiString& name) {
+    return !Names(std::string("SELECT 1 FROM pg_class WHERE oid = ") + kTableOf + " AND relkind IN ('r', 'p', 'f')",
+                  {name})
+                .empty();
+}
+
+// Columns of an index, in its order.
+constexpr char kIndexColumns[] =
+    "SELECT a.attname FROM pg_index AS i CROSS JOIN LATERAL unnest(i.indkey) WITH ORDINALITY AS k(number, place) "
+    "JOIN pg_attribute AS a ON a.attrelid = i.indrelid AND a.attnum = k.number WHERE k.place <= i.indnkeyatts AND "
+    "i.indrelid = ";
+
+std::vector<AnsiString> PostgresqlConnection::KeyColumns(const AnsiString& table) {
+    return Names(std::string(kIndexColumns) + kTableOf + " AND i.indisprimary ORDER BY k.place", {table});
+}
+
+std::vector<AnsiString> PostgresqlConnection::IndexColumns(const AnsiString& table, const AnsiString& index) {
+    std::vector<AnsiString> names =
+        Names(std::string(kIndexColumns) + kTableOf +
+                  " AND (SELECT lower(relname) FROM pg_class WHERE oid = i.indexrelid) = lower($2) ORDER BY k.place",
+              {table, index});
+    if (names.empty() && SameText(index, "PrimaryKey")) return KeyColumns(table);
+    return names;
+}
+
+std::vector<PostgresqlConnection::Origin> PostgresqlConnection::OriginsOf(const PGresult* description) {
+    const int count = PQnfields(description);
+    AnsiString tables;
+    for (int i = 0; i < count; ++i)
+        if (PQftable(description, i) != InvalidOid)
+            tables += (tables.empty() ? "{" : ",") + std::to_string(PQftable(description, i));
+    std::vector<Origin> origins(static_cast<size_t>(count));
+    if (tables.empty()) return origins;
+    // Tables that stand outside the search path have no name that a statement of ours could say.
+    const Result result = Question(
+        "SELECT c.oid, a.attnum, c.relname, a.attname, a.attnotnull, a.atthasdef AND a.attgenerated = '' OR "
+        "a.attidentity <> '', a.attgenerated <> '' OR a.attidentity = 'a', a.attidentity <> '' OR "
+        "coalesce(pg_get_expr(d.adbin, d.adrelid) LIKE 'nextval(%', false), coalesce(a.attnum = ANY(i.indkey), false) "
+        "FROM pg_class AS c JOIN pg_attribute AS a ON a.attrelid = c.oid LEFT JOIN pg_attrdef AS d "
+        "ON d.adrelid = c.oid AND d.adnum = a.attnum LEFT JOIN pg_index AS i ON i.indrelid = c.oid AND i.indisprimary "
+        "WHERE c.oid = ANY($1::oid[]) AND a.attnum > 0 AND NOT a.attisdropped AND pg_table_is_visible(c.oid)",
+        {tables + "}"});
+    std::map<std::pair<Oid, int>, int> rows;
+    for (int i = 0; i < PQntuples(result.get()); ++i)
+        rows[{static_cast<Oid>(std::strtoul(PQgetvalue(result.get(), i, 0), nullptr, 10)),
+              std::atoi(PQgetvalue(result.get(), i, 1))}] = i;
+    for (int i = 0; i < count; ++i) {
+        const auto found = rows.find({PQftable(description, i), PQftablecol(description, i)});
+        if (found == rows.end()) continue;
+        const auto yes = [&](int column) { return *PQgetvalue(result.get(), found->second, column) == 't'; };
+        Origin origin;
+        size_t position = 0;
+        if (!TryUtf8ToAnsi(PQgetvalue(result.get(), found->second, 2), origin.Table, position) ||
+            !TryUtf8ToAnsi(PQgetvalue(result.get(), found->second, 3), origin.Column, position))
+            continue;
+        origin.Automatic = yes(5);
+        origin.Required = yes(4) && !origin.Automatic;
+        origin.Computed = yes(6);
+        origin.Counts = yes(7);
+        origin.InKey = yes(8);
+        origins[static_cast<size_t>(i)] = std::move(origin);
+    }
+    return origins;
+}
+
+AnsiString PostgresqlConnection::WithCatalogNames(const AnsiString& sql) {
+    const Result result = Question(
+        "SELECT name FROM (SELECT relname AS name FROM pg_class WHERE pg_table_is_visible(oid) AND relkind IN ('r', "
+        "'p', 'f', 'v', 'm') UNION SELECT attname FROM pg_attribute AS a, pg_class AS c WHERE a.attrelid = c.oid AND "
+        "pg_table_is_visible(c.oid) AND c.relkind IN ('r', 'p', 'f', 'v', 'm') AND a.attnum > 0) AS names "
+        "WHERE lower(name) = ANY($1::text[])",
+        {[&] {
+            AnsiString words;
+            for (const SqlToken& token : TokenizeSql(sql)) {
+                const bool isName = token.Kind == SqlTokenKind::Identifier ||
+                                    (token.Kind == SqlTokenKind::Quoted && token.Text.front() == '"');
+                if (!isName) continue;
+                words += words.empty() ? "{\"" : ",\"";
+                for (char c : AnsiLowerCase(NameOf(token))) {
+                    if (c == '"' || c == '\\') words += '\\';
+                    words += c;
+                }
+                words += '"';
+            }
+            return words.empty() ? AnsiString("{}") : words + "}";
+        }()});
+    std::map<AnsiString, std::vector<AnsiString>> spellings;
+    for (int i = 0; i < PQntuples(result.get()); ++i) {
+        const AnsiString name = Utf8ToAnsiLossy(PQgetvalue(result.get(), i, 0));
+        spellings[AnsiLowerCase(name)].push_back(name);
+    }
+    const std::vector<SqlToken> tokens = TokenizeSql(sql);
+    AnsiString written;
+    for (size_t i = 0; i < tokens.size(); ++i) {
+        const SqlToken& token = tokens[i];
+        const bool quoted = token.Kind == SqlTokenKind::Quoted && token.Text.front() == '"';
+        const bool called = i + 1 < tokens.size() && tokens[i + 1].Text == "(";
+        const auto found = quoted || (token.Kind == SqlTokenKind::Identifier && !called)
+                               ? spellings.find(AnsiLowerCase(NameOf(token)))
+                               : spellings.end();
+        const AnsiString meant = quoted ? NameOf(token) : AnsiLowerCase(NameOf(token));
+        const bool isRight = found == spellings.end() ||
+                             std::find(found->second.begin(), found->second.end(), meant) != found->second.end();
+        written += isRight ? AnsiString(token.Text) : Dialect().QuotedName(found->second.front());
+    }
+    return written;
+}
+
+}  // namespace vyn::postgresql_provider
