@@ -1,5 +1,6 @@
 #include "events/Ueventsvyn.h"
 
+#include "foundation/stack_guard.h"
 #include "platform/objects/class_info.h"
 #include "platform/objects/component_handle.h"
 #include "platform/streams/reader.h"
@@ -84,6 +85,7 @@ bool TEventsVyn::RunEvent(const AnsiString& name, TObject* sender) {
 }
 
 void TEventsVyn::ExecutaEvent(int index) {
+    CheckStack();                             // rules may start each other through the events of what they change
     const TEventVyn event = GetEvent(index);  // a handler may change the list
     const int self = Handle();
     const auto alive = [self] { return ComponentFromHandle(self) != nullptr; };
@@ -97,9 +99,9 @@ void TEventsVyn::ExecutaEvent(int index) {
         }
         if (alive() && AfterExecutaEvent) AfterExecutaEvent(this, event.Nom);
     } catch (const Exception& error) {
+        // Also into a set that makes no parameters by itself.
         if (TParametres* global = Parametres())
-            global->SetParametreValue(events_detail::kErrorParameter,
-                                      AnsiString(error.ClassName()) + "\n" + error.Message());
+            global->AddParam(events_detail::kErrorParameter, AnsiString(error.ClassName()) + "\n" + error.Message());
         if (!alive() || !OnErrorAlExecutar) throw;
         OnErrorAlExecutar(this, event.Nom);
     }
@@ -116,6 +118,7 @@ void TEventsVyn::RunLines(const TEventVyn& event) {
             if (OnErrorOnValue) OnErrorOnValue(this, line.Origen, value, raiseError);
             if (raiseError) throw;
         }
+        if (!ComponentFromHandle(self)) return;
         ExecutaCodiDesti(this, line.Desti, value);
         if (!ComponentFromHandle(self)) return;
     }

@@ -62,7 +62,7 @@ using TEventVynNeedComponent =
     Event<void(TEventsVyn* EventSender, const AnsiString& ComponentName, TComponent*& Component)>;
 
 // The rules of a stored form: named events, each a list of assignments between parameters, properties, fields, values,
-// expressions and procedures (docs/formats/event-scripts.md, docs/queries-parameters-rules.md).
+// expressions and procedures (docs/formats/event-scripts.md).
 //
 // Answers the handler names that its form's class does not publish. Holds its events; refers to a parameter set and to
 // the application, and drops them when they go. A rule may free the form that it belongs to: its further lines are

@@ -34,11 +34,29 @@ TDataSet* DataSetOf(TComponent* component) {
     return ObjectCast<TDataSet>(component);
 }
 
-[[noreturn]] void InvalidPropertyType(const AnsiString& property) {
-    Error("El tipus de la propietat "_w + property + " no és vàlida"_w);
+[[noreturn]] void InvalidPropertyType(const AnsiString& path) {
+    Error("El tipus de la propietat "_w + Split(path).Second + " no és vàlida"_w);
+}
+
+[[noreturn]] void NoFieldToSet(const AnsiString& dataSet, const AnsiString& field) {
+    Error("El DataSet " + dataSet + " no conté un Field amb el nom "_w + field);
 }
 
 AnsiString TextOf(const Variant& value) { return VarToStr(value); }
+
+// The number that a property of named values is set to. Rules are stored data: a number that is none of the values
+// never gets into a property. A boolean is true for any number but 0.
+int64_t OrdinalFor(const PropertyInfo& property, const Variant& value) {
+    const int64_t number = value.AsInteger();
+    if (property.Kind == PropertyKind::Integer) return number;
+    if (property.Enum == &TypeInfoOf(TypeTag<bool>{})) return number != 0;
+    const bool fits = property.Kind == PropertyKind::Enumeration ? property.Enum->Contains(number)
+                                                                 : number >= 0 && number >> property.Enum->Count() == 0;
+    if (!fits)
+        throw EPropertyError("Invalid property value: " + IntToStr(number) + " is no value of " +
+                             property.Enum->Name());
+    return number;
+}
 
 }  // namespace operands_detail
 
@@ -169,7 +187,7 @@ Variant TEventsVyn::PropertyValue(TComponent* component, const AnsiString& path)
     } catch (const Exception& error) {
         operands_detail::Error(error.Message());
     }
-    operands_detail::InvalidPropertyType(property.Name);
+    operands_detail::InvalidPropertyType(path);
 }
 
 void TEventsVyn::SetPropertyValue(TComponent* component, const AnsiString& path, const Variant& value) {
@@ -179,11 +197,11 @@ void TEventsVyn::SetPropertyValue(TComponent* component, const AnsiString& path,
         case PropertyKind::Integer:
         case PropertyKind::Enumeration:
         case PropertyKind::Set:
-            property->SetOrdinal(*found, value.AsInteger());
+            property->SetOrdinal(*found, operands_detail::OrdinalFor(property, value));
             return;
         case PropertyKind::Character: {
             const AnsiString text = operands_detail::TextOf(value);
-            if (text.size() > 1) operands_detail::InvalidPropertyType(property.Name);
+            if (text.size() > 1) operands_detail::InvalidPropertyType(path);
             property->SetOrdinal(*found, text.empty() ? 0 : static_cast<unsigned char>(text[0]));
             return;
         }
@@ -202,7 +220,7 @@ void TEventsVyn::SetPropertyValue(TComponent* component, const AnsiString& path,
         case PropertyKind::Method:
             break;
     }
-    operands_detail::InvalidPropertyType(property.Name);
+    operands_detail::InvalidPropertyType(path);
 }
 
 Variant TEventsVyn::FieldValue(TComponent* component, const AnsiString& path) {
@@ -234,9 +252,15 @@ void TEventsVyn::SetFieldValue(TComponent* component, const AnsiString& path, co
     TDataSet* dataSet = operands_detail::DataSetOf(found);
     if (!dataSet) operands_detail::Error("El component " + name + " no és un TDataSet sinó un "_w + found->ClassName());
     TField* field = dataSet->FindField(fieldName);
-    if (!field) operands_detail::Error("El DataSet " + name + " no conté un Field amb el nom "_w + fieldName);
+    if (!field) operands_detail::NoFieldToSet(name, fieldName);
     // Posting is the user's, or another rule's.
-    if (dataSet->State() != dsEdit && dataSet->State() != dsInsert) dataSet->Edit();
+    if (dataSet->State() != dsEdit && dataSet->State() != dsInsert) {
+        const int handle = dataSet->Handle();
+        dataSet->Edit();
+        // What runs before or after it may close the dataset.
+        field = ComponentFromHandle(handle) ? dataSet->FindField(fieldName) : nullptr;
+        if (!field) operands_detail::NoFieldToSet(name, fieldName);
+    }
     field->SetValue(value);
 }
 
@@ -251,12 +275,12 @@ void TEventsVyn::ExecutaCodiDesti(TComponent* component, const TPartAssignacioEv
         case tdcExpresion:
             operands_detail::Error("El Destí d'una linea de codi no pot ser una expresió"_w);
         case tdcParametre:
-            Parametres()->SetParametreValue(part.Valor, value);
+        case tdcInternalParam: {
+            TParametres* params = part.Tipus == tdcParametre ? Parametres() : ParametresList();
+            if (!params) operands_detail::Error("There is no ParametresList for the parameter " + part.Valor);
+            params->SetParametreValue(part.Valor, value);
             return;
-        case tdcInternalParam:
-            if (!ParametresList()) operands_detail::Error("There is no ParametresList for the parameter " + part.Valor);
-            ParametresList()->SetParametreValue(part.Valor, value);
-            return;
+        }
         case tdcPropietat:
             SetPropertyValue(component, part.Valor, value);
             return;

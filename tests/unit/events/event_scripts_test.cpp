@@ -103,6 +103,88 @@ TEST_F(EventScripts, AnExcusedSourceGivesNull) {
     EXPECT_EQ(asked, "Nobody.Text Noone.Text ");
 }
 
+TEST_F(EventScripts, AFailureIsKeptInASetThatMakesNoParametersItself) {
+    Parametres()->CreaAutomaticParams = false;
+    Rule("Bad", {{{tdcNul, ""}, {tdcNul, ""}}});
+    EXPECT_EQ(MessageOf([&] { events->ExecutaEvent(0); }).substr(0, 17), "ExcepcioEventsVyn");
+    EXPECT_TRUE(Parametres()->ParamExists("IP_ErrorExecutantEvent"));
+}
+
+TEST_F(EventScripts, AFailureAfterTheLinesCountsToo) {
+    events->AfterExecutaEvent = [](TComponent*, const AnsiString&) { throw Exception("too late"); };
+    Rule("Open", {{{tdcParametre, "A"}, {tdcValorDirecte, "1"}}});
+    Rule("Bad", {{{tdcNul, ""}, {tdcNul, ""}}});
+    for (int index : {0, 1}) {
+        EXPECT_EQ(MessageOf([&] { events->ExecutaEvent(index); }), "Exception: too late");
+        EXPECT_EQ(Parametres()->GetParametreValue("IP_ErrorExecutantEvent"), Variant("Exception\ntoo late"));
+    }
+}
+
+TEST_F(EventScripts, AnAbortIsKeptAsAnyFailure) {
+    events->OnExecutaEvent = [](TComponent*, const AnsiString&) { Abort(); };
+    Rule("Quiet", {});
+    EXPECT_EQ(MessageOf([&] { events->ExecutaEvent(0); }), "EAbort: Operation aborted");
+    EXPECT_EQ(Parametres()->GetParametreValue("IP_ErrorExecutantEvent"), Variant("EAbort\nOperation aborted"));
+    events->OnErrorAlExecutar = [](TComponent*, const AnsiString&) {};
+    EXPECT_EQ(MessageOf([&] { events->ExecutaEvent(0); }), "no error");
+}
+
+TEST_F(EventScripts, AnErrorOfADestinationIsNotExcused) {
+    events->OnErrorOnValue = [](TEventsVyn*, const TPartAssignacioEvent&, const Variant&, bool& raiseError) {
+        raiseError = false;
+    };
+    Rule("Bad", {{{tdcPropietat, "Nobody.Text"}, {tdcValorDirecte, "1"}}});
+    EXPECT_EQ(MessageOf([&] { events->ExecutaEvent(0); }), "Exception: Componente: Nobody no encontrado");
+}
+
+TEST_F(EventScripts, RulesThatStartEachOtherForEverEndWithTheStack) {
+    Rule("Flip", {{{tdcPropietat, "Amount.Text"}, {tdcExpresion, "COUNT*10"}},
+                  {{tdcParametre, "COUNT"}, {tdcExpresion, "COUNT+1"}}});
+    Parametres()->AddParam("COUNT", 1);
+    edit->OnChange = [this](TObject*) {
+        Parametres()->SetParametreValue("COUNT", Parametres()->GetParametreValue("COUNT").AsInteger() + 1);
+        events->ExecutaEvent(0);
+    };
+    EXPECT_EQ(MessageOf([&] { events->ExecutaEvent(0); }), "EStackOverflow: Stack overflow");
+    EXPECT_EQ(Parametres()->GetParametreValue("IP_ErrorExecutantEvent"), Variant("EStackOverflow\nStack overflow"));
+    edit->OnChange = nullptr;
+    events->ExecutaEvent(0);
+    EXPECT_NE(edit->Text(), "");
+}
+
+TEST_F(EventScripts, AListThatChangesWhileItRunsRunsToItsEnd) {
+    events->OnExecuteProcedureVyn = [this](TObject*, const AnsiString&, bool& executed) {
+        executed = true;
+        events->Clear();
+    };
+    Rule("Clear", {{{tdcInternalProc, "Clear"}, {tdcNul, ""}}, {{tdcParametre, "A"}, {tdcValorDirecte, "1"}}});
+    events->ExecutaEvent(0);
+    EXPECT_EQ(events->Count(), 0);
+    EXPECT_EQ(Parametres()->GetParametreValue("A"), Variant("1"));
+}
+
+TEST_F(EventScripts, WhoIsAskedMayFreeTheForm) {
+    const TLlistaCodiEvents line = {{{tdcParametre, "A"}, {tdcPropietat, "Nobody.Text"}}};
+    Rule("Ask", line);
+    events->OnErrorOnValue = [this](TEventsVyn*, const TPartAssignacioEvent&, const Variant&, bool& raiseError) {
+        raiseError = false;
+        form.reset();
+    };
+    TEventsVyn* rules = events;
+    rules->ExecutaEvent(0);
+    EXPECT_EQ(form, nullptr);
+    EXPECT_FALSE(Parametres()->ParamExists("A"));
+}
+
+TEST_F(EventScripts, TheComponentThatIsFoundForARuleMayGoWithTheForm) {
+    Rule("Ask", {{{tdcParametre, "A"}, {tdcPropietat, "Nobody.Text"}}});
+    events->OnNeedComponent = [this](TEventsVyn*, const AnsiString&, TComponent*&) { form.reset(); };
+    TEventsVyn* rules = events;
+    EXPECT_EQ(MessageOf([&] { rules->ExecutaEvent(0); }), "Exception: Componente: Nobody no encontrado");
+    EXPECT_EQ(Parametres()->GetParametreValue("IP_ErrorExecutantEvent"),
+              Variant("Exception\nComponente: Nobody no encontrado"));
+}
+
 TEST_F(EventScripts, ARuleMayFreeItsOwnForm) {
     events->OnExecuteProcedureVyn = [this](TObject*, const AnsiString&, bool& executed) {
         executed = true;
@@ -177,6 +259,35 @@ TEST_F(EventScripts, TravelWithTheirForm) {
     ReadComponentFromStream(stream, &again);
     ASSERT_EQ(again.Count(), 1);
     EXPECT_EQ(again.GetEvent(0), events->GetEvent(0));
+}
+
+TEST_F(EventScripts, AnEmptyListIsStoredAgainstAnAncestor) {
+    TForm ancestor(nullptr);
+    ancestor.SetName("Orders");
+    auto* inherited = new TEventsVyn(&ancestor);
+    inherited->SetName("Rules");
+    inherited->Add({"Go", {}});
+    TMemoryStream stream;
+    {
+        TWriter writer(stream);
+        writer.WriteDescendent(*form, &ancestor);
+    }
+    stream.SetPosition(0);
+    EXPECT_NE(BinaryToText(stream).find("EventsVyn = ("), std::string::npos);
+}
+
+TEST_F(EventScripts, NumbersThatAreNoTypeAreKept) {
+    Rule("Odd", {{{static_cast<TTipusDadaCodi>(99), "a"}, {static_cast<TTipusDadaCodi>(-1), "b"}}});
+    TMemoryStream stream;
+    {
+        TWriter writer(stream);
+        events->WriteData(writer);
+    }
+    stream.SetPosition(0);
+    TReader reader(stream);
+    events->ReadData(reader);
+    ASSERT_EQ(events->Count(), 2);
+    EXPECT_EQ(events->GetEvent(1), events->GetEvent(0));
 }
 
 TEST_F(EventScripts, ATruncatedListIsAReadError) {

@@ -96,6 +96,94 @@ TEST_F(Operands, PropertiesAreSetByTheirKinds) {
     EXPECT_EQ(edit->Left(), 31);
 }
 
+// A component with a property of each kind.
+class TEveryKind : public TComponent {
+    VYN_OBJECT
+  public:
+    explicit TEveryKind(TComponent* owner) : TComponent(owner) {}
+    int64_t Long = 1;
+    double Real = 1.5;
+    WideString Wide = u"caf\u00E9";
+    Variant Any;
+    TComponent* Other() const { return nullptr; }
+    void SetOther(TComponent*) {}
+    AnsiString ReadOnly() const { return "fixed"; }
+    AnsiString Troubled() const { throw Exception("out of order"); }
+    void SetTroubled(const AnsiString&) { throw Exception("out of order"); }
+};
+const ClassInfo& TEveryKind::StaticClass() {
+    static const ClassInfo info = DefineClass<TEveryKind, TComponent>("TEveryKind")
+                                      .Published("Long", &TEveryKind::Long, &TEveryKind::Long)
+                                      .Published("Real", &TEveryKind::Real, &TEveryKind::Real)
+                                      .Published("Wide", &TEveryKind::Wide, &TEveryKind::Wide)
+                                      .Published("Any", &TEveryKind::Any, &TEveryKind::Any)
+                                      .Published("Other", &TEveryKind::Other, &TEveryKind::SetOther)
+                                      .Published("ReadOnly", &TEveryKind::ReadOnly)
+                                      .Published("Troubled", &TEveryKind::Troubled, &TEveryKind::SetTroubled);
+    return info;
+}
+
+TEST_F(Operands, WideTextsAndVariantsAreReadAndSet) {
+    auto* every = Make<TEveryKind>("Every");
+    EXPECT_EQ(Source(tdcPropietat, "Every.Wide"), Variant(AnsiString("café"_w)));
+    Put(tdcPropietat, "Every.Wide", AnsiString("posició"_w));
+    EXPECT_EQ(every->Wide, u"posici\u00F3");
+    for (const Variant& value : {Variant(7), Variant("text"), Variant(2.5), Variant::Null()}) {
+        Put(tdcPropietat, "Every.Any", value);
+        EXPECT_EQ(every->Any.Type(), value.Type()) << "a variant is set as it is";
+        EXPECT_EQ(Source(tdcPropietat, "Every.Any").Type(), value.Type());
+    }
+}
+
+TEST_F(Operands, LongNumbersRealNumbersAndReferencesAreRefused) {
+    Make<TEveryKind>("Every");
+    for (const char* name : {"Long", "Real", "Other"}) {
+        const AnsiString refused =
+            "ExcepcioEventsVyn: El tipus de la propietat "_w + AnsiString(name) + " no és vàlida"_w;
+        EXPECT_EQ(SourceError(tdcPropietat, "Every." + AnsiString(name)), refused);
+        EXPECT_EQ(PutError(tdcPropietat, "Every." + AnsiString(name)), refused);
+    }
+    EXPECT_EQ(SourceError(tdcPropietat, "Every.REAL"),
+              AnsiString("ExcepcioEventsVyn: El tipus de la propietat REAL no és vàlida"_w))
+        << "as the rule has it";
+}
+
+TEST_F(Operands, TroubleOfReadingIsThisComponentsError) {
+    Make<TEveryKind>("Every");
+    EXPECT_EQ(SourceError(tdcPropietat, "Every.Troubled"), "ExcepcioEventsVyn: out of order");
+    EXPECT_EQ(PutError(tdcPropietat, "Every.Troubled"), "Exception: out of order");
+    EXPECT_EQ(Source(tdcPropietat, "Every.ReadOnly"), Variant("fixed"));
+    EXPECT_EQ(PutError(tdcPropietat, "Every.ReadOnly").substr(0, 14), "EPropertyError");
+}
+
+TEST_F(Operands, ANumberThatIsNoValueOfAPropertyIsRefused) {
+    EXPECT_EQ(PutError(tdcPropietat, "Amount.BorderStyle", 99),
+              "EPropertyError: Invalid property value: 99 is no value of TBorderStyle");
+    EXPECT_EQ(PutError(tdcPropietat, "Amount.BorderStyle", -1),
+              "EPropertyError: Invalid property value: -1 is no value of TBorderStyle");
+    EXPECT_EQ(PutError(tdcPropietat, "Amount.Anchors", 16),
+              "EPropertyError: Invalid property value: 16 is no value of TAnchorKind");
+    EXPECT_EQ(PutError(tdcPropietat, "Amount.Anchors", -1),
+              "EPropertyError: Invalid property value: -1 is no value of TAnchorKind");
+    Put(tdcPropietat, "Amount.Anchors", 15);
+    EXPECT_EQ(Source(tdcPropietat, "Amount.Anchors"), Variant(15));
+    EXPECT_EQ(PutError(tdcPropietat, "Amount.Left", 4e9).substr(0, 13), "EVariantError");
+    EXPECT_EQ(PutError(tdcPropietat, "Amount.Left", Variant::Null()).substr(0, 13), "EVariantError");
+}
+
+TEST_F(Operands, AnyNumberButZeroIsTrue) {
+    for (const Variant& value : {Variant(true), Variant(-1), Variant(7), Variant("1"), Variant(0.7)}) {
+        check->SetChecked(false);
+        Put(tdcPropietat, "Paid.Checked", value);
+        EXPECT_TRUE(check->Checked()) << value.AsText();
+    }
+    for (const Variant& value : {Variant(false), Variant(0), Variant("0")}) {
+        check->SetChecked(true);
+        Put(tdcPropietat, "Paid.Checked", value);
+        EXPECT_FALSE(check->Checked()) << value.AsText();
+    }
+}
+
 TEST_F(Operands, PropertiesOfOtherKindsAreRefused) {
     const AnsiString refused = "ExcepcioEventsVyn: El tipus de la propietat Font no és vàlida"_w;
     EXPECT_EQ(SourceError(tdcPropietat, "Amount.Font"), refused);
@@ -174,6 +262,45 @@ TEST_F(Operands, AQueryStandsForItsDataSet) {
     query->QryDataSet()->Cancel();
 }
 
+TEST_F(Operands, AQueryWithoutADataSetIsNone) {
+    Make<TQuerySQL>("Empty");
+    EXPECT_EQ(SourceError(tdcFieldName, "Empty.Code"),
+              AnsiString("ExcepcioEventsVyn: El componente Empty no es un TDataSet sinó un TQuerySQL"_w));
+    EXPECT_EQ(PutError(tdcFieldName, "Empty.Code"),
+              AnsiString("ExcepcioEventsVyn: El component Empty no és un TDataSet sinó un TQuerySQL"_w));
+}
+
+TEST_F(Operands, ADataSetThatClosesBeforeItIsEditedHasNoField) {
+    TADOQuery* lines = OpenLines();
+    lines->AfterEdit = [](TDataSet* dataSet) { dataSet->Close(); };
+    EXPECT_EQ(PutError(tdcFieldName, "Lines.Name", "Pau"),
+              AnsiString("ExcepcioEventsVyn: El DataSet Lines no conté un Field amb el nom Name"_w));
+    auto* more = OpenLines("More");
+    more->AfterEdit = [](TDataSet* dataSet) { delete dataSet; };
+    EXPECT_EQ(PutError(tdcFieldName, "More.Name", "Pau"),
+              AnsiString("ExcepcioEventsVyn: El DataSet More no conté un Field amb el nom Name"_w));
+}
+
+TEST_F(Operands, AThirdNameOfAFieldIsPassedOver) {
+    OpenLines();
+    EXPECT_EQ(Source(tdcFieldName, "Lines.Code.Length"), Variant(7));
+    EXPECT_EQ(SourceError(tdcFieldName, "Lines..Code"), "ExcepcioEventsVyn: No existe el nombre del Field");
+}
+
+TEST_F(Operands, AClosedDataSetHasNoFields) {
+    TADOQuery* lines = OpenLines();
+    lines->Close();
+    EXPECT_EQ(SourceError(tdcFieldName, "Lines.Code"),
+              "ExcepcioEventsVyn: El DataSet Lines no contiene un Field llamado: Code");
+}
+
+TEST_F(Operands, AFieldThatNobodyMaySetIsItsOwnError) {
+    TADOQuery* lines = OpenLines();
+    lines->FindField("Name")->ReadOnly = true;
+    EXPECT_EQ(PutError(tdcFieldName, "Lines.Name", "Pau").substr(0, 14), "EDatabaseError");
+    lines->Cancel();
+}
+
 TEST_F(Operands, AFieldNeedsItsNamesAndADataSet) {
     OpenLines();
     EXPECT_EQ(SourceError(tdcFieldName, ".Code"), "ExcepcioEventsVyn: No existe el nombre del TDataSet");
@@ -223,6 +350,14 @@ TEST_F(Operands, AnExpressionReadsTheOwnSetBeforeTheGlobalOne) {
     EXPECT_EQ(Source(tdcExpresion, "A*B"), Variant(20.0));
 }
 
+TEST_F(Operands, AnExpressionReadsTheValuesOfTheMoment) {
+    Parametres()->AddParam("A", 2);
+    Rule("Twice", {{{tdcParametre, "A"}, {tdcExpresion, "A*2"}}});
+    for (int i = 0; i < 3; ++i) events->ExecutaEvent(0);
+    EXPECT_EQ(Parametres()->GetParametreValue("A"), Variant(16.0));
+    EXPECT_EQ(Source(tdcExpresion, "A/5").Type(), varDouble);
+}
+
 TEST_F(Operands, AnExpressionWithANullVariableIsNull) {
     Parametres()->AddParam("A", Variant::Null());
     EXPECT_TRUE(Source(tdcExpresion, "A*2").IsNull());
@@ -244,6 +379,19 @@ TEST_F(Operands, AnAbortWithinAnExpressionStaysSilent) {
     Parametres()->AddParam("A", 1);
     Parametres()->OnGetValorPRM = [](TParametres*, const AnsiString&, Variant&) { throw EAbort("quiet"); };
     EXPECT_EQ(SourceError(tdcExpresion, "A+1"), "EAbort: quiet");
+}
+
+TEST_F(Operands, TheParserOfAnExpressionIsGoneWithIt) {
+    const int before = events->ComponentCount();
+    Source(tdcExpresion, "1+1");
+    SourceError(tdcExpresion, "NONE+1");
+    EXPECT_EQ(events->ComponentCount(), before);
+}
+
+TEST_F(Operands, WithoutItsOwnSetNothingIsTakenOver) {
+    Parametres()->AddParam("A", 4);
+    events->SetParametresList(nullptr);
+    EXPECT_EQ(MessageOf([&] { events->ParserVarNotFound(nullptr, "A"); }), "no error");
 }
 
 TEST_F(Operands, AGlobalParameterIsTakenOverIntoTheOwnSet) {
