@@ -5,6 +5,7 @@
 
 #include "database/dictionaries.h"
 #include "events/Ucampsbuscar.h"
+#include "events/Ueventsvyn.h"
 #include "foundation/Uparametres.h"
 #include "page.h"
 #include "platform/streams/reader.h"
@@ -203,4 +204,24 @@ TEST(FormatPages, TheSearchFieldsAreRead) {
               (TCampBuscar{nullptr, "EName", 1, 0, "Client", -1, "", "", 7, true, "*", {{"A"}}}));
     EXPECT_EQ(fields.GetCampsBuscarComponent(1),
               (TCampBuscar{nullptr, "ECode", 2, 0, "", 0, "", "", 0, false, "", {}}));
+}
+
+TEST(FormatPages, TheEventScriptsAreReadAndWrittenBack) {
+    const std::string bytes = Page("event-scripts.md").ExampleBytes();
+    TViewStream stream(bytes);
+    TReader reader(stream);
+    TEventsVyn events(nullptr);
+    events.ReadData(reader);
+    EXPECT_EQ(reader.BytesLeft(), 0);
+    ASSERT_EQ(events.Count(), 2);
+    EXPECT_EQ(events.GetEvent(0), (TEventVyn{"Sum",
+                                             {{{tdcParametre, "TOTAL"}, {tdcExpresion, "PRICE*QTY"}},
+                                              {{tdcPropietat, "ETotal.Text"}, {tdcParametre, "TOTAL"}}}}));
+    EXPECT_EQ(events.GetEvent(1), (TEventVyn{"Rest", {}}));
+    TMemoryStream written;
+    {
+        TWriter writer(written);
+        events.WriteData(writer);
+    }
+    EXPECT_EQ(written.Bytes(), bytes);
 }
