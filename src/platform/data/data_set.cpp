@@ -81,6 +81,7 @@ void TDataSet::StartRows() {
 
 void TDataSet::DoOpen() {
     BeforeOpen(this);
+    if (Active()) return;
     state_ = dsOpening;
     try {
         definitions_ = InternalOpen();
@@ -109,6 +110,7 @@ void TDataSet::DoOpen() {
 
 void TDataSet::DoClose() {
     BeforeClose(this);
+    if (!Active()) return;
     StopEditing();
     state_ = dsInactive;
     InternalClose();
@@ -253,7 +255,8 @@ bool TDataSet::IsEmpty() { return FetchTo(1) == 0; }
 
 void TDataSet::MoveTo(int64_t record) {
     BeforeScroll(this);
-    current_ = record;
+    CheckActive();
+    current_ = std::min(record, RecordsFetched() - 1);
     Announce(DataEvent::Scrolled);
     AfterScroll(this);
 }

@@ -5,6 +5,12 @@
 // Editing: one record at a time lies in a buffer over the rows until it is posted.
 namespace vyn {
 
+namespace data_set_editing_detail {
+
+constexpr char kEmpty[] = "Cannot perform this operation on an empty dataset";
+
+}  // namespace data_set_editing_detail
+
 template <class F>
 void TDataSet::WithErrorEvent(const TDataSetErrorEvent& event, F action) {
     for (;;) {
@@ -65,6 +71,10 @@ void TDataSet::Edit() {
     CheckBrowseMode();
     CheckCanModify();
     BeforeEdit(this);
+    // Handlers may close, move or edit by themselves, here and below.
+    CheckActive();
+    if (IsEditing()) return;
+    if (current_ < 0) DatabaseError(data_set_editing_detail::kEmpty);
     Record record = rows_->RecordAt(RowOf(current_));
     WithErrorEvent(OnEditError, [&] { InternalEdit(record); });
     rows_->Replace(RowOf(current_), record);
@@ -92,6 +102,9 @@ void TDataSet::BeginInsert(int64_t at) {
     CheckCanModify();
     BeforeInsert(this);
     BeforeScroll(this);
+    CheckActive();
+    if (IsEditing()) DatabaseError("A handler began to edit another record");
+    at = std::min(at, RecordsFetched());
     const size_t columns = definitions_.size();
     beforeInsert_ = current_;
     if (viewed_) {
@@ -185,6 +198,8 @@ void TDataSet::Post() {
     Announce(DataEvent::CheckBrowse);
     // Handlers may still fill in what is required.
     BeforePost(this);
+    CheckActive();
+    if (!IsEditing()) return;
     CheckRequired();
     WithErrorEvent(OnPostError, [&] { WriteCurrent(); });
     state_ = dsBrowse;
@@ -200,6 +215,7 @@ void TDataSet::Cancel() {
     const bool inserting = state_ == dsInsert;
     BeforeCancel(this);
     if (inserting) BeforeScroll(this);
+    if (!IsEditing()) return;
     StopEditing();
     Announce(DataEvent::StateChanged);
     Announce(inserting ? DataEvent::RecordsChanged : DataEvent::RecordChanged);
@@ -213,11 +229,13 @@ void TDataSet::Delete() {
         Cancel();
         return;
     }
-    if (current_ < 0) DatabaseError("Cannot perform this operation on an empty dataset");
+    if (current_ < 0) DatabaseError(data_set_editing_detail::kEmpty);
     CheckCanModify();
     Announce(DataEvent::CheckBrowse);
     BeforeDelete(this);
     BeforeScroll(this);
+    CheckActive();
+    if (current_ < 0) DatabaseError(data_set_editing_detail::kEmpty);
     const Record original = IsEditing() ? original_ : rows_->RecordAt(RowOf(current_));
     WithErrorEvent(OnDeleteError, [&] { InternalDelete(original); });
     const bool wasEditing = IsEditing();
