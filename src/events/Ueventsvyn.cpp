@@ -115,7 +115,7 @@ void TEventsVyn::RunLines(const TEventVyn& event) {
             CapturaValorOrigen(this, line.Origen, value);
         } catch (const Exception&) {
             bool raiseError = true;
-            if (OnErrorOnValue) OnErrorOnValue(this, line.Origen, value, raiseError);
+            if (ComponentFromHandle(self) && OnErrorOnValue) OnErrorOnValue(this, line.Origen, value, raiseError);
             if (raiseError) throw;
         }
         if (!ComponentFromHandle(self)) return;

@@ -270,7 +270,14 @@ TEST_F(Operands, AQueryWithoutADataSetIsNone) {
               AnsiString("ExcepcioEventsVyn: El component Empty no és un TDataSet sinó un TQuerySQL"_w));
 }
 
-TEST_F(Operands, ADataSetThatClosesBeforeItIsEditedHasNoField) {
+TEST_F(Operands, ADataSetThatClosesWhileItComesToBeEditedIsAnError) {
+    TADOQuery* lines = OpenLines();
+    lines->BeforeEdit = [](TDataSet* dataSet) { dataSet->Close(); };
+    EXPECT_NE(PutError(tdcFieldName, "Lines.Name", "Pau"), "no error");
+    EXPECT_EQ(lines->State(), dsInactive);
+}
+
+TEST_F(Operands, ADataSetThatClosesWhenItIsEditedHasNoField) {
     TADOQuery* lines = OpenLines();
     lines->AfterEdit = [](TDataSet* dataSet) { dataSet->Close(); };
     EXPECT_EQ(PutError(tdcFieldName, "Lines.Name", "Pau"),
