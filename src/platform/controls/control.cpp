@@ -164,11 +164,12 @@ void TControl::SetBounds(int left, int top, int width, int height) {
     }
     const bool sized = width != width_ || height != height_;
     if (!sized && left == left_ && top == top_) return;
+    const TRect old = BoundsRect();
     left_ = left;
     top_ = top;
     width_ = width;
     height_ = height;
-    if (!sizing_) UpdateAnchorRules();
+    if (!sizing_) BoundsSet(old);
     PeerChanged(PeerChange::Bounds);
     RequestAlign();
     if (sized) Resize();
@@ -232,6 +233,20 @@ void TControl::UpdateAnchorRules() {
     const TRect client = parent_->ClientRect();
     anchorRules_->parentClient = {client.Width(), client.Height()};
     anchorRules_->bounds = BoundsRect();
+}
+
+void TControl::BoundsSet(const TRect& old) {
+    const bool waits = anchorRules_ && anchorRules_->bounds == old;
+    if (waits && parent_) {
+        const TRect client = parent_->ClientRect();
+        const TSize noted = anchorRules_->parentClient;
+        if (noted.cx != client.Width() || noted.cy != client.Height()) {
+            // The parent's new size has not come here yet, and will: the rules still belong to its old one.
+            anchorRules_->bounds = BoundsRect();
+            return;
+        }
+    }
+    UpdateAnchorRules();
 }
 
 void TControl::NoteAnchorRules() {

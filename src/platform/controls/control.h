@@ -284,7 +284,8 @@ class TControl : public TComponent {
     void PlaceByAnchors(TSize parentClient);
     // Notes the present place as the one that anchors start from.
     void UpdateAnchorRules();
-    void NoteAnchorRules();  // where there are none yet
+    void NoteAnchorRules();            // where there are none yet
+    void BoundsSet(const TRect& old);  // not by its parent
 
   private:
     friend class TWinControl;

@@ -365,6 +365,23 @@ TEST_F(LayoutTest, StoredAnchorsFollowAParentThatIsAlignedAnew) {
     EXPECT_EQ(right->Width(), 80);
 }
 
+TEST_F(LayoutTest, StoredAnchorsOfControlsThatSizeThemselvesFollowToo) {
+    // They find their own size when they are loaded, at a time when the panel is as wide as the form but has not placed
+    // what is in it.
+    TMemoryStream bytes;
+    TextToBinary(
+        "object Form1: TForm\n ClientWidth = 500\n ClientHeight = 200\n PixelsPerInch = 96\n"
+        " object Bar: TPanel\n Width = 300\n Height = 40\n Align = alTop\n"
+        "  object Year: TEdit\n Left = 200\n Top = 8\n Width = 80\n Height = 9\n Anchors = [akTop, akRight]\n end\n"
+        "  object Caption: TLabel\n Left = 150\n Top = 8\n Width = 9\n Height = 9\n Anchors = [akTop, akRight]\n"
+        "   Caption = 'Year'\n end\n"
+        " end\nend",
+        bytes);
+    const std::unique_ptr<TForm> restored = Restored(std::string(bytes.Bytes()));
+    EXPECT_EQ(ObjectCast<TControl>(restored->FindComponent("Year"))->Left(), 400);
+    EXPECT_EQ(ObjectCast<TControl>(restored->FindComponent("Caption"))->Left(), 350);
+}
+
 TEST_F(LayoutTest, StoredAnchorsKeepTheirEdgesWhenTheFormIsScaled) {
     TMemoryStream bytes;
     TextToBinary(
