@@ -7,6 +7,7 @@
 #include "platform/text/exceptions.h"
 #include "platform/text/numbers.h"
 #include "programs/host/entry_buttons.h"
+#include "query/Uquerysql.h"
 
 namespace vyn {
 
@@ -14,6 +15,16 @@ const ClassInfo& TFRMDBGrid::StaticClass() {
     static const ClassInfo info = DefineForm<TFRMDBGrid, TCustomFRM>("TFRMDBGrid")
                                       .Method("FontDataChange", &TFRMDBGrid::FontDataChange)
                                       .Method("ActualitzarClick", &TFRMDBGrid::ActualitzarClick);
+    return info;
+}
+
+const ClassInfo& TFRMDBGridTotals::StaticClass() {
+    static const ClassInfo info = DefineForm<TFRMDBGridTotals, TFRMDBGrid>("TFRMDBGridTotals");
+    return info;
+}
+
+const ClassInfo& TFRMDBGridMD::StaticClass() {
+    static const ClassInfo info = DefineForm<TFRMDBGridMD, TFRMDBGrid>("TFRMDBGridMD");
     return info;
 }
 
@@ -30,20 +41,35 @@ bool TFRMDBGrid::NodeLoaded() {
         SetCaption(node.Name);
         if (auto* title = ObjectCast<TLabel>(FindComponent("Titol"))) title->SetCaption(PlainCaption(node.Name));
     }
-    OpenQuery();
+    OpenQueries();
     return true;
 }
 
-void TFRMDBGrid::OpenQuery() {
-    TCustomADODataSet* query = Query();
-    if (!query) return;
-    const auto* statement = ObjectCast<TADOQuery>(query);
-    if (statement && Trim(statement->SQL()->Text()).empty()) return;
+std::vector<TQuerySQL*> TFRMDBGrid::Queries() const {
+    std::vector<TQuerySQL*> queries;
+    for (int i = 0; i < ComponentCount(); ++i)
+        if (auto* query = ObjectCast<TQuerySQL>(Components(i))) queries.push_back(query);
+    return queries;
+}
+
+void TFRMDBGrid::OpenQueries() {
     try {
-        query->Open();
-    } catch (const EDatabaseError& error) {
+        for (TQuerySQL* query : Queries()) query->CreaSQL();
+        OpenConsulta();
+    } catch (const EAbort&) {
+        throw;
+    } catch (const Exception& error) {
         ShowStatus(error.Message());
     }
+}
+
+// The dataset with a statement of its own.
+void TFRMDBGrid::OpenConsulta() {
+    TCustomADODataSet* query = Query();
+    if (!query || query->Active()) return;
+    const auto* statement = ObjectCast<TADOQuery>(query);
+    if (statement && Trim(statement->SQL()->Text()).empty()) return;
+    query->Open();
 }
 
 void TFRMDBGrid::ActualitzarClick(TObject*) {
@@ -51,7 +77,7 @@ void TFRMDBGrid::ActualitzarClick(TObject*) {
     if (!query) return;
     const int64_t record = query->Active() ? query->CurrentRecord() : 0;
     query->Close();
-    OpenQuery();
+    OpenQueries();
     if (query->Active()) query->SetCurrentRecord(record);
 }
 
@@ -80,7 +106,8 @@ void TFRMDBGrid::CleanStored(TRecursosObjecte& resources) {
     forget(&resources, "Caption");
     forget(ExisteixObjecte(&resources, "Titol", TotElArbre), "Caption");
     forget(ExisteixObjecte(&resources, "Estat", TotElArbre), "SimpleText");
-    forget(ExisteixObjecte(&resources, "Consulta", TotElArbre), "Active");
+    for (const char* dataSet : {"Consulta", "ConsultaDetall"})
+        forget(ExisteixObjecte(&resources, dataSet, TotElArbre), "Active");
 }
 
 }  // namespace vyn

@@ -1,12 +1,17 @@
 #pragma once
 
+#include <vector>
+
 #include "platform/access/ado.h"
 #include "programs/host/custom_form.h"
 
 namespace vyn {
 
-// A list of records: the rows of the form's query ("Consulta") in its grid ("Graella"). Its stored form gives the
-// statement, and the columns when they are not to be the statement's.
+class TQuerySQL;
+
+// A list of records: the rows of the form's dataset ("Consulta") in its grid ("Graella"). Its stored form gives the
+// statement, and the columns when they are not to be the statement's; or queries (TQuerySQL) that compose statements,
+// which are opened in the form's order, each for its own dataset.
 class TFRMDBGrid : public TCustomFRM {
     VYN_OBJECT
   public:
@@ -21,10 +26,26 @@ class TFRMDBGrid : public TCustomFRM {
     void CleanStored(TRecursosObjecte& resources) override;
 
   private:
-    // Opens the query; what goes wrong is told in the status bar, and the window stays.
-    void OpenQuery();
+    // Opens what is to be seen; what goes wrong is told in the status bar, and the window stays.
+    void OpenQueries();
+    void OpenConsulta();
+    std::vector<TQuerySQL*> Queries() const;
     void ShowStatus(const AnsiString& text);
     TCustomADODataSet* Query() const;
+};
+
+// The rows of a totals query.
+class TFRMDBGridTotals : public TFRMDBGrid {
+    VYN_OBJECT
+  public:
+    explicit TFRMDBGridTotals(TComponent* owner) : TFRMDBGrid(owner) {}
+};
+
+// A list, and below it the rows ("ConsultaDetall" in "GraellaDetall") that belong to its current record.
+class TFRMDBGridMD : public TFRMDBGrid {
+    VYN_OBJECT
+  public:
+    explicit TFRMDBGridMD(TComponent* owner) : TFRMDBGrid(owner) {}
 };
 
 }  // namespace vyn

@@ -13,9 +13,9 @@ namespace host_classes_detail {
 
 // Node types whose own windows are still to come: each opens as its ancestor does, under its own name.
 constexpr const char* kPlainForms[] = {
-    "TFRMSQLGeneric", "TFRMDBGridMD",      "TFRMBarraBotons",  "TFRMDBEntradaDades", "TFRMDBQR",
-    "TFRMAjudaVyn",   "TFRMDBQRAutomatic", "TFRMSelNodeAcces", "TFRMDBGridTotals",   "TFRMDBEntradaDadesMD",
-    "TFRMCalendari",  "TFRMExecutaCodi",   "TFRMNumeric",      "TFRMDBArbre",
+    "TFRMSQLGeneric", "TFRMBarraBotons",   "TFRMDBEntradaDades", "TFRMDBQR",
+    "TFRMAjudaVyn",   "TFRMDBQRAutomatic", "TFRMSelNodeAcces",   "TFRMDBEntradaDadesMD",
+    "TFRMCalendari",  "TFRMExecutaCodi",   "TFRMNumeric",        "TFRMDBArbre",
 };
 constexpr size_t kPlainFormCount = sizeof kPlainForms / sizeof kPlainForms[0];
 
@@ -51,6 +51,8 @@ void RegisterHostForms() {
     RegisterForm<TCustomFRM>();
     RegisterForm<TFRMMenu>();
     RegisterForm<TFRMDBGrid>();
+    RegisterForm<TFRMDBGridTotals>();
+    RegisterForm<TFRMDBGridMD>();
     RegisterForm<TFRMPassword>();
     RegisterForm<TFRMQuiSoc>();
     RegisterPlainForms(std::make_index_sequence<kPlainFormCount>());

@@ -13,6 +13,7 @@
 #include "platform/text/numbers.h"
 #include "platform/text/windows1252.h"
 #include "programs/host/node_forms.h"
+#include "programs/host/rule_procedures.h"
 #include "programs/vyn/script_database.h"
 #include "providers/postgresql/connection.h"
 #include "providers/sqlite/connection.h"
@@ -90,6 +91,7 @@ Session::Session(const RunOptions& options) {
     const AnsiString package = folder + app_->VynBPLName();
     if (SharedLibraryExists(package)) app_->SetVynBPLName(package);
     session_detail::RegisterHostProcedures(app_->Procedures());
+    RegisterRuleProcedures(app_->Procedures());
     app_->LoadBPL();
     const auto stream = OpenApplicationStream(wanted.File);
     app_->LoadAppFromStream(*stream);
