@@ -1,5 +1,5 @@
-// The chapter on queries, parameters and rules, held against the program and the sample: its commands print what it says,
-// its excerpts stand in the sample's forms, and its functions become what its table says.
+// The chapter on queries, parameters and rules, held against the program and the sample: its commands print what it
+// says, its excerpts stand in the sample's forms, and its functions become what its table says.
 #include <algorithm>
 #include <fstream>
 #include <sstream>
@@ -88,8 +88,8 @@ TEST_F(Chapter, EveryCommandPrintsWhatStandsBelowIt) {
             std::string expected;
             for (++i; i < block.Lines.size() && block.Lines[i].rfind("$ ", 0) != 0; ++i)
                 expected += block.Lines[i] + "\n";
-            const Ended ended =
-                RunProgram("/bin/sh", {"-c", "cd '" + File("") + "' && '" + program + "' " + command.substr(6) + " 2>&1"});
+            const Ended ended = RunProgram(
+                "/bin/sh", {"-c", "cd '" + File("") + "' && '" + program + "' " + command.substr(6) + " 2>&1"});
             std::string output = ended.Output;
             std::replace(output.begin(), output.end(), '\r', '\n');  // within a message
             EXPECT_EQ(output, expected) << command;
