@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "platform/text/exceptions.h"
+#include "providers/odbc/connection.h"
 #include "providers/postgresql/connection.h"
 #include "providers/sqlite/connection.h"
 #include "servers/postgresql_cluster.h"
@@ -33,12 +34,30 @@ AnsiString FreshPostgresql() {
     return where;
 }
 
+AnsiString FreshSqliteThroughOdbc() {
+    RegisterOdbcProvider();
+    const AnsiString file = FreshSqlite().substr(AnsiString("Provider=SQLite;Data Source=").size());
+    return "Provider=MSDASQL;Driver=SQLite3;Timeout=5000;Database=" + file;
+}
+
+AnsiString FreshPostgresqlThroughOdbc() {
+    RegisterOdbcProvider();
+    FreshPostgresql();
+    return "Provider=MSDASQL;Driver=PostgreSQL Unicode;Servername=" + Cluster().Host() +
+           ";Port=" + std::to_string(Cluster().Port()) + ";Initial Catalog=" + Cluster().Database() +
+           ";User ID=" + Cluster().User();
+}
+
 }  // namespace
 
 const std::vector<Engine>& Engines() {
     static const std::vector<Engine> engines = {
-        {"SQLite", FreshSqlite, "INTEGER PRIMARY KEY AUTOINCREMENT", "DATETIME", "BLOB", "MEMO", "sqlite"},
-        {"PostgreSQL", FreshPostgresql, "SERIAL PRIMARY KEY", "TIMESTAMP", "BYTEA", "TEXT", "postgresql"},
+        {"SQLite", "SQLite", FreshSqlite, "INTEGER PRIMARY KEY AUTOINCREMENT", "DATETIME", "BLOB", "MEMO", "sqlite"},
+        {"PostgreSQL", "PostgreSQL", FreshPostgresql, "SERIAL PRIMARY KEY", "TIMESTAMP", "BYTEA", "TEXT", "postgresql"},
+        {"SQLiteThroughODBC", "ODBC (SQLite)", FreshSqliteThroughOdbc, "INTEGER PRIMARY KEY AUTOINCREMENT", "DATETIME",
+         "BLOB", "MEMO", "sqlite", 15},  // the driver reads numbers as texts
+        {"PostgreSQLThroughODBC", "ODBC (PostgreSQL)", FreshPostgresqlThroughOdbc, "SERIAL PRIMARY KEY", "TIMESTAMP",
+         "BYTEA", "TEXT", "postgresql"},
     };
     return engines;
 }

@@ -16,13 +16,15 @@ using namespace vyn;
 // An engine to be tried: how a fresh database of it is reached, by several connections, and its names of types.
 struct Engine {
     AnsiString Name;
+    AnsiString Title;  // for people
     // Makes an empty database and gives its connection string; the database goes with the next call.
     std::function<AnsiString()> FreshDatabase;
     AnsiString CountingKey;  // "id ..." of a key that counts by itself
     AnsiString DateTime;
     AnsiString Blob;
     AnsiString Memo;
-    AnsiString Golden;  // whose lines of the golden statements hold
+    AnsiString Golden;    // whose lines of the golden statements hold
+    int RealDigits = 17;  // of real numbers, that the way to the engine keeps
 };
 
 inline void PrintTo(const Engine& engine, std::ostream* stream) { *stream << engine.Name; }

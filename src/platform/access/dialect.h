@@ -77,6 +77,10 @@ EngineSql TranslateSql(const AnsiString& sql, const EngineDialect& dialect, Para
 // The names of the parameters in a statement, each once, in the order of their first places.
 std::vector<AnsiString> ParameterNamesOf(const AnsiString& sql);
 
+// The statement with its names as `names` spell them, where it has them in other letters' case; for engines that tell
+// names apart by case.
+AnsiString SpellNames(const AnsiString& sql, const std::vector<AnsiString>& names, const EngineDialect& dialect);
+
 // What can be told of a query from its text.
 struct QueryShape {
     bool IsSelect = false;
@@ -86,5 +90,9 @@ struct QueryShape {
     AnsiString Source;        // the table or view behind FROM, without its schema; empty for a query in parentheses
 };
 QueryShape ShapeOf(const AnsiString& sql);
+
+// What a query of one SELECT shows, column by column: the name of the column that an item is, whatever it is called in
+// the result, or empty for what is computed. Nothing at all when the columns cannot be told: behind "*".
+std::vector<AnsiString> SelectedColumns(const AnsiString& sql);
 
 }  // namespace vyn

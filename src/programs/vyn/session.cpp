@@ -15,6 +15,7 @@
 #include "programs/host/node_forms.h"
 #include "programs/host/rule_procedures.h"
 #include "programs/vyn/script_database.h"
+#include "providers/odbc/connection.h"
 #include "providers/postgresql/connection.h"
 #include "providers/sqlite/connection.h"
 
@@ -67,6 +68,7 @@ Session::Session(const RunOptions& options) {
     if (wanted.Demo) wanted.File = DemoFolder();
     RegisterSqliteProvider();
     RegisterPostgresqlProvider();
+    RegisterOdbcProvider();
     file_ = ExpandFileName(Utf8ToAnsi(wanted.File));
     valuesFile_ = wanted.ValuesFile.empty() ? ChangeFileExt(file_, ".values") : Utf8ToAnsi(wanted.ValuesFile);
     // The sample may stand where the user cannot write.

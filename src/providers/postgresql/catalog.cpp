@@ -138,26 +138,9 @@ AnsiString PostgresqlConnection::WithCatalogNames(const AnsiString& sql) {
             }
             return words.empty() ? AnsiString("{}") : words + "}";
         }()});
-    std::map<AnsiString, std::vector<AnsiString>> spellings;
-    for (int i = 0; i < PQntuples(result.get()); ++i) {
-        const AnsiString name = Utf8ToAnsiLossy(PQgetvalue(result.get(), i, 0));
-        spellings[AnsiLowerCase(name)].push_back(name);
-    }
-    const std::vector<SqlToken> tokens = TokenizeSql(sql);
-    AnsiString written;
-    for (size_t i = 0; i < tokens.size(); ++i) {
-        const SqlToken& token = tokens[i];
-        const bool quoted = token.Kind == SqlTokenKind::Quoted && token.Text.front() == '"';
-        const bool called = i + 1 < tokens.size() && tokens[i + 1].Text == "(";
-        const auto found = quoted || (token.Kind == SqlTokenKind::Identifier && !called)
-                               ? spellings.find(AnsiLowerCase(NameOf(token)))
-                               : spellings.end();
-        const AnsiString meant = quoted ? NameOf(token) : AnsiLowerCase(NameOf(token));
-        const bool isRight = found == spellings.end() ||
-                             std::find(found->second.begin(), found->second.end(), meant) != found->second.end();
-        written += isRight ? AnsiString(token.Text) : Dialect().QuotedName(found->second.front());
-    }
-    return written;
+    std::vector<AnsiString> names;
+    for (int i = 0; i < PQntuples(result.get()); ++i) names.push_back(Utf8ToAnsiLossy(PQgetvalue(result.get(), i, 0)));
+    return SpellNames(sql, names, Dialect());
 }
 
 }  // namespace vyn::postgresql_provider

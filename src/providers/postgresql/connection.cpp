@@ -113,8 +113,12 @@ void PostgresqlConnection::Observe() {
 }
 
 void PostgresqlConnection::Check(PGresult* result, const char* what) {
+    // Errors without a code are libpq's own: the end of the connection may only be found by reading on.
+    const ExecStatusType status = PQresultStatus(result);
+    const bool failed = status == PGRES_FATAL_ERROR || status == PGRES_BAD_RESPONSE;
+    if (failed && !PQresultErrorField(result, PG_DIAG_SQLSTATE)) PQconsumeInput(handle_.get());
     if (IsBroken()) Lost();
-    switch (PQresultStatus(result)) {
+    switch (status) {
         case PGRES_COMMAND_OK:
         case PGRES_TUPLES_OK:
         case PGRES_SINGLE_TUPLE:

@@ -247,8 +247,12 @@ class PostgresqlStatement final : public ProviderStatement {
     Result Stream(RowStore& rows, const std::string& fetch, int64_t& got, std::exception_ptr& raised) const {
         PGconn* handle = connection_.Handle();
         if (!PQsendQueryParams(handle, fetch.c_str(), 0, nullptr, nullptr, nullptr, nullptr,
-                               binary_ ? kBinaryFormat : kTextFormat))
+                               binary_ ? kBinaryFormat : kTextFormat)) {
+            // What was wrong with sending is known when its answer was asked for.
+            while (Result{PQgetResult(handle)}) {
+            }
             return {};
+        }
         PQsetSingleRowMode(handle);
         Result last;
         while (Result result{PQgetResult(handle)}) {

@@ -88,6 +88,25 @@ TEST(Dialect, TokensTogetherAreTheStatement) {
     EXPECT_EQ(together, sql);
 }
 
+TEST(Dialect, ColumnsBehindAliasesAreRead) {
+    using Names = std::vector<AnsiString>;
+    EXPECT_EQ(SelectedColumns("SELECT a, t.b AS c, [d e] f, \"g\"\"h\", a + 1, f(a) AS a, (a), 'x', 3, :p FROM t"),
+              (Names{"a", "b", "d e", "g\"h", "", "", "", "", "", ""}));
+    EXPECT_EQ(SelectedColumns("select distinct a, main.t.b from t"), (Names{"a", "b"}));
+    EXPECT_EQ(SelectedColumns("SELECT a /* b */ AS x, (SELECT c FROM u) AS y"), (Names{"a", ""}));
+    EXPECT_EQ(SelectedColumns("SELECT * FROM t"), Names());
+    EXPECT_EQ(SelectedColumns("SELECT a, t.* FROM t"), Names());
+    EXPECT_EQ(SelectedColumns("UPDATE t SET a = 1"), Names());
+    EXPECT_EQ(SelectedColumns("SELECT a * b, COUNT(*) FROM t"), (Names{"", ""}));
+    EXPECT_EQ(SelectedColumns(""), Names());
+}
+
+TEST(Dialect, NamesAreSpeltAsTheCatalogHasThem) {
+    const std::vector<AnsiString> names = {"Clients", "nom", "Nom", "Ordre"};
+    EXPECT_EQ(SpellNames("SELECT NOM, \"nom\", \"NOM\", ordre, Ordre(x), 'ordre' FROM CLIENTS", names, EngineDialect()),
+              "SELECT NOM, \"nom\", \"nom\", \"Ordre\", Ordre(x), 'ordre' FROM \"Clients\"");
+}
+
 TEST(Dialect, TheShapeOfAQueryIsReadFromItsText) {
     EXPECT_EQ(ShapeOf("SELECT a, b FROM [order lines] WHERE x IN (1, 2)").Source, "order lines");
     EXPECT_FALSE(ShapeOf("SELECT a, b FROM t WHERE x IN (1, 2)").IsJoined);
