@@ -49,7 +49,7 @@ class EditPeer final : public PeerOf<TCustomEdit> {
 
     void ApplyStyle() override {
         const TCustomEdit& edit = Self();
-        if (const int most = edit.MaxLength() > 0 ? edit.MaxLength() : edit_detail::kUnbounded;
+        if (const int most = edit.MostCharacters() > 0 ? edit.MostCharacters() : edit_detail::kUnbounded;
             edit_->maxLength() != most)
             edit_->setMaxLength(most);
         if (edit_->isReadOnly() != edit.ReadOnly()) edit_->setReadOnly(edit.ReadOnly());

@@ -88,6 +88,7 @@ PeerFactory& StandardPeerFactory() {
         RegisterStatusBarPeers();
         RegisterTreePeers();
         RegisterGridPeers();
+        RegisterDataControlPeers();
         return true;
     }();
     static_cast<void>(registered);

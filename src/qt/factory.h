@@ -39,5 +39,6 @@ void RegisterToolBarPeers();
 void RegisterStatusBarPeers();
 void RegisterTreePeers();
 void RegisterGridPeers();
+void RegisterDataControlPeers();
 
 }  // namespace vyn::qt

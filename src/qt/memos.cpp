@@ -101,7 +101,7 @@ class MemoPeer final : public PeerOf<TCustomMemo> {
         const QTextCursor cursor = memo_->textCursor();
         const QTextDocument& document = *memo_->document();
         QString lines = memo_->toPlainText();
-        const int most = Self().MaxLength();
+        const int most = Self().MostCharacters();
         if (AnsiString text = FromLines(lines); most > 0 && static_cast<int>(text.size()) > most) {
             // Too long: back to what it was.
             const Updating updating(*this);

@@ -128,9 +128,13 @@ void TCustomCheckBox::SetAlignment(TLeftRight value) {
 
 void TCustomCheckBox::SetState(TCheckBoxState value) {
     if (state_ == value) return;
+    PutState(value);
+    if (!HasState(csLoading)) Click();
+}
+
+void TCustomCheckBox::PutState(TCheckBoxState value) {
     state_ = value;
     PeerChanged(PeerChange::Selection);
-    if (!HasState(csLoading)) Click();
 }
 
 void TCustomCheckBox::Toggle() {

@@ -67,6 +67,10 @@ class TCustomCheckBox : public TButtonControl {
     void KeyDown(uint16_t& key, TShiftState shift) override;
     bool DialogChar(char key) override;
 
+  protected:
+    // Another state, which nobody clicked.
+    void PutState(TCheckBoxState value);
+
   private:
     TCheckBoxState state_ = cbUnchecked;
     TLeftRight alignment_ = TLeftRight::taRightJustify;

@@ -8,6 +8,7 @@
 #include "platform/controls/images.h"
 #include "platform/controls/labels.h"
 #include "platform/controls/lists.h"
+#include "platform/controls/mask_edits.h"
 #include "platform/controls/menus.h"
 #include "platform/controls/pages.h"
 #include "platform/controls/panels.h"
@@ -30,7 +31,7 @@ void RegisterControlClasses() {
                         &TSplitter::StaticClass(),   &TStaticText::StaticClass(),  &TPageControl::StaticClass(),
                         &TTabSheet::StaticClass(),   &TImageList::StaticClass(),   &TToolBar::StaticClass(),
                         &TToolButton::StaticClass(), &TStatusBar::StaticClass(),   &TTreeView::StaticClass(),
-                        &TTimer::StaticClass()})
+                        &TTimer::StaticClass(),      &TMaskEdit::StaticClass()})
         AddLinkedClass(each);
 }
 

@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+#include "platform/controls/db_choices.h"
+#include "platform/controls/db_controls.h"
+#include "platform/controls/db_navigators.h"
 #include "platform/controls/enum_names.h"
 #include "platform/controls/property_catalogue.h"
 #include "platform/controls/shortcuts.h"
@@ -578,6 +581,12 @@ const ClassInfo& TDBGrid::StaticClass() {
     return info;
 }
 
-void RegisterDataControlClasses() { AddLinkedClass(&TDBGrid::StaticClass()); }
+void RegisterDataControlClasses() {
+    for (TClass each :
+         {&TDBGrid::StaticClass(), &TDBNavigator::StaticClass(), &TDBText::StaticClass(), &TDBEdit::StaticClass(),
+          &TDBMemo::StaticClass(), &TDBImage::StaticClass(), &TDBListBox::StaticClass(), &TDBComboBox::StaticClass(),
+          &TDBCheckBox::StaticClass(), &TDBRadioGroup::StaticClass()})
+        AddLinkedClass(each);
+}
 
 }  // namespace vyn

@@ -157,6 +157,10 @@ void TCustomEdit::TextChanged() {
 void TCustomEdit::ProcessTextEdit(const AnsiString& text, int selStart, int selLength) {
     const AnsiString cased = Cased(text);
     const bool differs = cased != Text();
+    if (differs && !BeginChange()) {
+        PeerChanged(PeerChange::Text);
+        return;
+    }
     if (differs) {
         undoText_ = Text();
         canUndo_ = true;
@@ -216,12 +220,14 @@ void TCustomEdit::ClearSelection() { ReplaceSelection(AnsiString(), true); }
 void TCustomEdit::ReplaceSelection(const AnsiString& text, bool byUser) {
     AnsiString inserted = Cased(text);
     const int rest = static_cast<int>(Text().size()) - selLength_;
-    if (byUser && maxLength_ > 0 && rest + static_cast<int>(inserted.size()) > maxLength_)
-        inserted.resize(static_cast<size_t>(std::max(maxLength_ - rest, 0)));
+    const int most = MostCharacters();
+    if (byUser && most > 0 && rest + static_cast<int>(inserted.size()) > most)
+        inserted.resize(static_cast<size_t>(std::max(most - rest, 0)));
     if (inserted.empty() && selLength_ == 0) {
         if (byUser && !text.empty()) MessageBeep();
         return;
     }
+    if (byUser && !BeginChange()) return;
     AnsiString whole = Text();
     whole.replace(static_cast<size_t>(selStart_), static_cast<size_t>(selLength_), inserted);
     undoText_ = Text();
@@ -257,7 +263,7 @@ void TCustomEdit::PasteFromClipboard() {
 
 // The last change is taken back; undoing again brings it forth.
 void TCustomEdit::Undo() {
-    if (!canUndo_ || ReadOnly()) return;
+    if (!canUndo_ || ReadOnly() || !BeginChange()) return;
     const AnsiString now = Text();
     PutText(undoText_);
     undoText_ = now;
@@ -341,6 +347,7 @@ void TCustomEdit::KeyDown(uint16_t& key, TShiftState shift) {
 
 void TCustomEdit::KeyPress(char& key) {
     TWinControl::KeyPress(key);
+    if (key != 0) AcceptKey(key);
     if (key == 0 || !EditsByItself()) return;
     constexpr char kBackspace = 8;
     const auto code = static_cast<unsigned char>(key);

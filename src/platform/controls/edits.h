@@ -48,6 +48,8 @@ class TCustomEdit : public TWinControl {
     void SetHideSelection(bool value);
     int MaxLength() const { return maxLength_; }
     void SetMaxLength(int value);
+    // The bound in force; 0: none.
+    virtual int MostCharacters() const { return maxLength_; }
     bool OEMConvert = false;
     char PasswordChar() const { return passwordChar_; }
     void SetPasswordChar(char value);
@@ -58,7 +60,7 @@ class TCustomEdit : public TWinControl {
     TNotifyEvent OnChange;
 
     // The user's editing: the whole text and the selection after it. Fires Change when the text differs.
-    void ProcessTextEdit(const AnsiString& text, int selStart, int selLength);
+    virtual void ProcessTextEdit(const AnsiString& text, int selStart, int selLength);
     // The user moved the selection.
     void ProcessSelection(int selStart, int selLength);
 
@@ -75,6 +77,10 @@ class TCustomEdit : public TWinControl {
     void FontChanged() override;
     bool CanAutoSize(int& newWidth, int& newHeight) override;
     virtual bool IsMultiLine() const { return false; }
+    // The user is about to change the text; false keeps it. A data-aware edit begins to edit its record.
+    virtual bool BeginChange() { return true; }
+    // A character that the event's handler left; 0 takes it away.
+    virtual void AcceptKey(char& key) {}
     // Replaces the selection as typing does.
     void ReplaceSelection(const AnsiString& text, bool byUser);
     bool EditsByItself() const { return !peer_ || !peer_->EditsText(); }

@@ -156,6 +156,7 @@ void TCustomRadioGroup::ItemsChanged() {
         buttons_.push_back(button);
         button->SetParent(this);
         button->OnClick = [this, index](TObject*) { ButtonClicked(index); };
+        button->OnKeyPress = [this](TObject*, char& key) { KeyPress(key); };
     }
     for (size_t i = 0; i < count; ++i) buttons_[i]->SetCaption(items_.At(static_cast<int>(i)));
     if (!HasState(csLoading)) {

@@ -60,7 +60,7 @@ class TCustomListBox : public TWinControl {
     TNotifyEvent OnDrawItem;
 
     // The user chose: the line with the focus and which lines are selected now.
-    void ProcessSelect(int itemIndex, const std::vector<int>& selected);
+    virtual void ProcessSelect(int itemIndex, const std::vector<int>& selected);
     void ProcessTopIndex(int value) { topIndex_ = value; }
     void KeyDown(uint16_t& key, TShiftState shift) override;
     void KeyPress(char& key) override;
@@ -143,8 +143,8 @@ class TCustomComboBox : public TWinControl {
     TNotifyEvent OnDrawItem;
 
     // The user typed; chose a line (fires Click, then Change); opened or closed the list.
-    void ProcessTextEdit(const AnsiString& text, int selStart, int selLength);
-    void ProcessSelect(int index);
+    virtual void ProcessTextEdit(const AnsiString& text, int selStart, int selLength);
+    virtual void ProcessSelect(int index);
     void ProcessDropDown(bool open);
 
     void SetCaption(const AnsiString& text) override;

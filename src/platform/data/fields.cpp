@@ -4,6 +4,7 @@
 
 #include "platform/data/data_set_focus.h"
 #include "platform/text/compare.h"
+#include "platform/text/edit_mask.h"
 #include "platform/text/exceptions.h"
 #include "platform/text/windows1252.h"
 
@@ -286,7 +287,9 @@ AnsiString TField::FormattedText(int64_t row, bool display) const {
         case ftGraphic:
             return "(Graphic)";
         default:
-            return ColumnKindOf(dataType_) == ColumnKind::Bytes ? AnsiString("(Blob)") : value.AsString();
+            if (ColumnKindOf(dataType_) == ColumnKind::Bytes) return "(Blob)";
+            if (display && !editMask_.empty()) return FormatMaskText(editMask_, value.AsString());
+            return value.AsString();
     }
 }
 

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "platform/controls/control_classes.h"
+#include "platform/controls/db_grids.h"
 #include "platform/controls/forms.h"
 #include "platform/controls/text_metrics.h"
 #include "platform/objects/class_table.h"
@@ -17,6 +18,8 @@ using namespace vyn;
 // The room's classes, where stored forms find them.
 inline void RegisterAll() {
     RegisterControlClasses();
+    RegisterDataClasses();
+    RegisterDataControlClasses();
     for (TClass each : LinkedClasses())
         if (!GetClass(each->Name())) RegisterClass(each);
 }

@@ -91,8 +91,6 @@ constexpr std::string_view kForm = R"(object F: TForm
 end
 )";
 
-QWidget* Main(const TControl& control) { return static_cast<QWidget*>(control.Peer()->NativeHandle()); }
-
 void ClickRow(QListView& list, int row) {
     QTest::mouseClick(list.viewport(), Qt::LeftButton, Qt::NoModifier,
                       list.visualRect(list.model()->index(row, 0)).center());

@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "platform/controls/control_classes.h"
+#include "platform/controls/db_grids.h"
 #include "platform/objects/class_table.h"
 #include "platform/streams/reader.h"
 #include "platform/streams/stream.h"
@@ -36,6 +37,8 @@ int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     return vyn::qt::RunQtApplication(argc, argv, [] {
         vyn::RegisterControlClasses();
+        vyn::RegisterDataClasses();
+        vyn::RegisterDataControlClasses();
         for (const vyn::TClass each : vyn::LinkedClasses()) vyn::RegisterClass(each);
         return RUN_ALL_TESTS();
     });

@@ -33,6 +33,9 @@ inline QWidget* WidgetOf(const TControl& control) {
     return peer ? peer->FocusTarget() : nullptr;
 }
 
+// The control's own widget; one that had none so far gets it.
+inline QWidget* Main(const TControl& control) { return static_cast<QWidget*>(control.Peer()->NativeHandle()); }
+
 template <class T>
 T& Find(TComponent& form, std::string_view name) {
     auto* found = ObjectCast<T>(form.FindComponent(name));
