@@ -163,8 +163,8 @@ class DBImagePeer final : public PeerOf<TDBImage> {
         const TDBImage& image = Self();
         const QPalette& palette = widget_->palette();
         painter.fillRect(widget_->rect(), palette.brush(QPalette::Base));
-        const QRect inside = image.BorderStyle() == TBorderStyle::bsSingle ? widget_->rect().adjusted(2, 2, -2, -2)
-                                                                           : widget_->rect();
+        const QRect inside =
+            image.BorderStyle() == TBorderStyle::bsSingle ? widget_->rect().adjusted(2, 2, -2, -2) : widget_->rect();
         painter.setClipRect(inside);
         if (const QString name = ToQt(image.Placeholder()); !name.isEmpty()) {
             painter.setPen(palette.color(QPalette::Text));

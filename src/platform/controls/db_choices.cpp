@@ -40,9 +40,7 @@ const ClassInfo& TDBListBox::StaticClass() {
 
 void TDBListBox::DataChange() { SetItemIndex(Field() ? Items()->IndexOf(Field()->Text()) : -1); }
 
-void TDBListBox::UpdateData() {
-    Field()->SetText(ItemIndex() >= 0 ? Items()->Get(ItemIndex()) : AnsiString());
-}
+void TDBListBox::UpdateData() { Field()->SetText(ItemIndex() >= 0 ? Items()->Get(ItemIndex()) : AnsiString()); }
 
 void TDBListBox::ProcessSelect(int itemIndex, const std::vector<int>& selected) {
     if (itemIndex != ItemIndex() && !EditField()) {
@@ -112,12 +110,13 @@ const ClassInfo& TDBCheckBox::StaticClass() {
         AddDataProperties(own);
         own.Add("ValueChecked", &TDBCheckBox::ValueChecked, &TDBCheckBox::SetValueChecked);
         own.Add("ValueUnchecked", &TDBCheckBox::ValueUnchecked, &TDBCheckBox::SetValueUnchecked);
-        return Publish(DefineClass<TDBCheckBox, TCustomCheckBox>("TDBCheckBox"), own,
-                       "Alignment AllowGrayed Anchors BiDiMode Caption Color Constraints Ctl3D DataField DataSource "
-                       "DragCursor DragKind DragMode Enabled Font ParentBiDiMode ParentColor ParentCtl3D ParentFont "
-                       "ParentShowHint PopupMenu ReadOnly ShowHint TabOrder TabStop ValueChecked ValueUnchecked Visible "
-                       "OnClick OnContextPopup OnDragDrop OnDragOver OnEndDock OnEndDrag OnEnter OnExit OnKeyDown "
-                       "OnKeyPress OnKeyUp OnMouseDown OnMouseMove OnMouseUp OnStartDock OnStartDrag");
+        return Publish(
+            DefineClass<TDBCheckBox, TCustomCheckBox>("TDBCheckBox"), own,
+            "Alignment AllowGrayed Anchors BiDiMode Caption Color Constraints Ctl3D DataField DataSource "
+            "DragCursor DragKind DragMode Enabled Font ParentBiDiMode ParentColor ParentCtl3D ParentFont "
+            "ParentShowHint PopupMenu ReadOnly ShowHint TabOrder TabStop ValueChecked ValueUnchecked Visible "
+            "OnClick OnContextPopup OnDragDrop OnDragOver OnEndDock OnEndDrag OnEnter OnExit OnKeyDown "
+            "OnKeyPress OnKeyUp OnMouseDown OnMouseMove OnMouseUp OnStartDock OnStartDrag");
     }();
     return info;
 }

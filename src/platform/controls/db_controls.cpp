@@ -282,9 +282,7 @@ void TDBImage::UpdateData() {
     Field()->SetRawBytes(std::string(stream.Bytes()));
 }
 
-AnsiString TDBImage::Placeholder() const {
-    return loaded_ ? AnsiString() : db_control_detail::NameOf(Field());
-}
+AnsiString TDBImage::Placeholder() const { return loaded_ ? AnsiString() : db_control_detail::NameOf(Field()); }
 
 TRect TDBImage::DestRect(int width, int height) const {
     const int edge = borderStyle_ == TBorderStyle::bsSingle ? db_control_detail::kFrame : 0;

@@ -13,7 +13,7 @@ VYN_ENUM_NAMES(TNavigateBtn, "nbFirst", "nbPrior", "nbNext", "nbLast", "nbInsert
 
 namespace navigator_detail {
 
-constexpr const char* kHints[kNavigateButtons] = {"First record",  "Prior record", "Next record", "Last record",
+constexpr const char* kHints[kNavigateButtons] = {"First record",  "Prior record",  "Next record", "Last record",
                                                   "Insert record", "Delete record", "Edit record", "Post edit",
                                                   "Cancel edit",   "Refresh data"};
 
@@ -209,8 +209,7 @@ void TDBNavigator::BtnClick(TNavigateBtn button) {
                 data->Insert();
                 break;
             case nbDelete:
-                if (!ConfirmDelete ||
-                    MessageDlg("Delete record?", mtConfirmation, {mbOK, mbCancel}) != mrCancel)
+                if (!ConfirmDelete || MessageDlg("Delete record?", mtConfirmation, {mbOK, mbCancel}) != mrCancel)
                     data->Delete();
                 break;
             case nbEdit:

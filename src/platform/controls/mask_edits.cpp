@@ -54,7 +54,8 @@ void TCustomMaskEdit::ValidateEdit() {
     const int missing = mask_.FirstMissing(EditText());
     if (missing < 0) return;
     SetSelStart(missing);
-    throw EDBEditError("\"" + EditText() + "\" is not complete: fill the empty places, or press Escape to take your "
+    throw EDBEditError("\"" + EditText() +
+                       "\" is not complete: fill the empty places, or press Escape to take your "
                        "changes back");
 }
 

@@ -364,7 +364,8 @@ namespace {
 class LongDataSet : public MemoryDataSet {
   public:
     explicit LongDataSet(std::string picture)
-        : MemoryDataSet({{Cell::Bytes("long text"), Cell::Bytes(picture)}, {Cell::Bytes("other"), Cell::Bytes("no")}}) {}
+        : MemoryDataSet({{Cell::Bytes("long text"), Cell::Bytes(picture)}, {Cell::Bytes("other"), Cell::Bytes("no")}}) {
+    }
 
   protected:
     std::vector<FieldDefinition> InternalOpen() override {

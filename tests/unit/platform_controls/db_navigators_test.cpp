@@ -122,10 +122,14 @@ TEST_F(Navigators, TheButtonsShareTheWidth) {
 
 TEST_F(Navigators, HintsAreTheFormsOrBuiltIn) {
     EXPECT_EQ(navigator->Buttons(nbPost)->Hint(), "Post edit");
-    navigator->Hints()->SetText("Primer\n\nSeg\xFC""ent");
+    navigator->Hints()->SetText(
+        "Primer\n\nSeg\xFC"
+        "ent");
     EXPECT_EQ(navigator->Buttons(nbFirst)->Hint(), "Primer");
     EXPECT_EQ(navigator->Buttons(nbPrior)->Hint(), "Prior record");
-    EXPECT_EQ(navigator->Buttons(nbNext)->Hint(), "Seg\xFC""ent");
+    EXPECT_EQ(navigator->Buttons(nbNext)->Hint(),
+              "Seg\xFC"
+              "ent");
 }
 
 TEST_F(Navigators, TheKeyboardGoesFromButtonToButton) {
