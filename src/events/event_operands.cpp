@@ -226,7 +226,7 @@ void TEventsVyn::SetPropertyValue(TComponent* component, const AnsiString& path,
 Variant TEventsVyn::FieldValue(TComponent* component, const AnsiString& path) {
     const auto [name, fieldName] = operands_detail::Split(path);
     if (name.empty()) operands_detail::Error("No existe el nombre del TDataSet");
-    if (fieldName.empty()) operands_detail::Error("No existe el nombre del Field");
+    if (fieldName.empty()) operands_detail::Error("El nombre del Field no existe");
     TComponent* found = FindFrom(component, name);
     if (!found) operands_detail::Error("No trobat el component: " + name);
     TDataSet* dataSet = operands_detail::DataSetOf(found);

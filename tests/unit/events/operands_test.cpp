@@ -291,7 +291,7 @@ TEST_F(Operands, ADataSetThatClosesWhenItIsEditedHasNoField) {
 TEST_F(Operands, AThirdNameOfAFieldIsPassedOver) {
     OpenLines();
     EXPECT_EQ(Source(tdcFieldName, "Lines.Code.Length"), Variant(7));
-    EXPECT_EQ(SourceError(tdcFieldName, "Lines..Code"), "ExcepcioEventsVyn: No existe el nombre del Field");
+    EXPECT_EQ(SourceError(tdcFieldName, "Lines..Code"), "ExcepcioEventsVyn: El nombre del Field no existe");
 }
 
 TEST_F(Operands, AClosedDataSetHasNoFields) {
@@ -311,7 +311,7 @@ TEST_F(Operands, AFieldThatNobodyMaySetIsItsOwnError) {
 TEST_F(Operands, AFieldNeedsItsNamesAndADataSet) {
     OpenLines();
     EXPECT_EQ(SourceError(tdcFieldName, ".Code"), "ExcepcioEventsVyn: No existe el nombre del TDataSet");
-    EXPECT_EQ(SourceError(tdcFieldName, "Lines"), "ExcepcioEventsVyn: No existe el nombre del Field");
+    EXPECT_EQ(SourceError(tdcFieldName, "Lines"), "ExcepcioEventsVyn: El nombre del Field no existe");
     EXPECT_EQ(SourceError(tdcFieldName, "Amount.Code"),
               AnsiString("ExcepcioEventsVyn: El componente Amount no es un TDataSet sinó un TEdit"_w));
     EXPECT_EQ(SourceError(tdcFieldName, "Lines.Wingspan"),
