@@ -14,14 +14,6 @@ namespace fs = std::filesystem;
 
 bool IsSeparator(char c) { return c == '/' || c == '\\'; }
 
-// The system's spelling.
-std::string ToSystem(std::string_view name) {
-    std::string system = AnsiToUtf8(name);
-    for (char& c : system)
-        if (c == '\\') c = '/';
-    return system;
-}
-
 // One past the last separator (or drive colon).
 size_t PathLength(std::string_view name) {
     for (size_t i = name.size(); i > 0; --i)
@@ -54,33 +46,40 @@ AnsiString WithSeparator(std::string folder) {
 
 }  // namespace file_detail
 
+std::string SystemSpelling(std::string_view fileName) {
+    std::string system = AnsiToUtf8(fileName);
+    for (char& c : system)
+        if (c == '\\') c = '/';
+    return system;
+}
+
 bool FileExists(const AnsiString& fileName) {
     std::error_code error;
-    const auto status = file_detail::fs::status(file_detail::ToSystem(fileName), error);
+    const auto status = file_detail::fs::status(SystemSpelling(fileName), error);
     return !error && file_detail::fs::exists(status) && !file_detail::fs::is_directory(status);
 }
 
 bool DirectoryExists(const AnsiString& folder) {
     std::error_code error;
-    return file_detail::fs::is_directory(file_detail::ToSystem(folder), error);
+    return file_detail::fs::is_directory(SystemSpelling(folder), error);
 }
 
 bool ForceDirectories(const AnsiString& folder) {
     if (folder.empty()) return false;
     std::error_code error;
-    file_detail::fs::create_directories(file_detail::ToSystem(ExcludeTrailingPathDelimiter(folder)), error);
+    file_detail::fs::create_directories(SystemSpelling(ExcludeTrailingPathDelimiter(folder)), error);
     return !error && DirectoryExists(folder);
 }
 
 bool DeleteFile(const AnsiString& fileName) {
     if (!FileExists(fileName)) return false;
     std::error_code error;
-    return file_detail::fs::remove(file_detail::ToSystem(fileName), error) && !error;
+    return file_detail::fs::remove(SystemSpelling(fileName), error) && !error;
 }
 
 bool RenameFile(const AnsiString& from, const AnsiString& to) {
     std::error_code error;
-    file_detail::fs::rename(file_detail::ToSystem(from), file_detail::ToSystem(to), error);
+    file_detail::fs::rename(SystemSpelling(from), SystemSpelling(to), error);
     return !error;
 }
 
@@ -110,7 +109,7 @@ AnsiString ChangeFileExt(std::string_view fileName, std::string_view extension) 
 
 AnsiString ExpandFileName(const AnsiString& fileName) {
     std::error_code error;
-    const auto whole = file_detail::fs::absolute(file_detail::ToSystem(fileName), error);
+    const auto whole = file_detail::fs::absolute(SystemSpelling(fileName), error);
     return error ? fileName : Utf8ToAnsiLossy(whole.lexically_normal().string());
 }
 

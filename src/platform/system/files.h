@@ -9,6 +9,9 @@ namespace vyn {
 // File names and folders. Names are stored ones: Windows-1252, with "\" or "/" between their parts; where the system
 // is asked they are mapped to its own spelling. Any thread.
 
+// A stored name as the system spells it, in UTF-8.
+std::string SystemSpelling(std::string_view fileName);
+
 bool FileExists(const AnsiString& fileName);
 bool DirectoryExists(const AnsiString& folder);
 // Makes the folder and those above it; false when it cannot.
