@@ -12,6 +12,7 @@
 #include "platform/streams/stream.h"
 #include "platform/streams/text_form.h"
 #include "platform/streams/writer.h"
+#include "platform/system/version_resource.h"
 #include "query/Uquerysql.h"
 
 using namespace vyn;
@@ -224,4 +225,14 @@ TEST(FormatPages, TheEventScriptsAreReadAndWrittenBack) {
         events.WriteData(writer);
     }
     EXPECT_EQ(written.Bytes(), bytes);
+}
+
+TEST(FormatPages, TheVersionResourceIsRead) {
+    const VersionResource resource{Page("version-resource.md").ExampleBytes()};
+    EXPECT_EQ(resource.Query("\\VarFileInfo\\Translation"), std::string_view("\x03\x04\xB0\x04", 4));
+    EXPECT_EQ(resource.QueryText("\\StringFileInfo\\040304B0\\FileVersion"), "7.0");
+    const auto fixed = resource.Query("\\");
+    ASSERT_TRUE(fixed.has_value());
+    EXPECT_EQ(fixed->size(), 52u);
+    EXPECT_EQ(fixed->substr(28, 4), std::string_view("\2\0\0\0", 4));
 }
