@@ -9,18 +9,18 @@
 
 #include "package/package.h"
 #include "platform/controls/db_grids.h"
-#include "platform/controls/edits.h"
 #include "platform/controls/forms.h"
-#include "platform/controls/shortcuts.h"
 #include "platform/objects/class_info.h"
 #include "platform/text/format_settings.h"
 #include "platform/text/windows1252.h"
 #include "programs/host/custom_form.h"
 #include "programs/vyn/session.h"
+#include "screens/input.h"
 
 namespace vyn::screens {
 
-// The sample application with a database of its own, and one screen of it.
+// The sample application with a database of its own, and one screen of it. Its stories are told to controls and to
+// windows (input.h).
 class ScreenTest : public testing::Test {
   protected:
     void SetUp() override {
@@ -50,6 +50,7 @@ class ScreenTest : public testing::Test {
         for (int id = 1; id <= kLastNode; ++id) {
             if (!session->App().Tree().FindIDNode(id) || session->App().Tree().GetIDNode(id).Name != name) continue;
             session->OpenNode(id);
+            Settle();
             const int at = session->App().NodesList().IndexOf(id);
             ASSERT_GE(at, 0) << caption << " did not open";
             form = ObjectCast<TCustomForm>(session->App().NodesList().GetItem(at).Component);
@@ -65,20 +66,18 @@ class ScreenTest : public testing::Test {
         if (!found) throw Exception("there is no " + name);
         return *found;
     }
-    // Types into an edit in place of what it holds, a character at a time.
     void Type(const AnsiString& name, const AnsiString& text) {
-        auto& edit = Part<TCustomEdit>(name);
-        edit.SelectAll();
-        if (text.empty()) edit.SetSelText("");
-        for (char c : text) edit.KeyPress(c);
+        TypeInto(Part<TCustomEdit>(name), text);
+        Settle();
     }
-    void Press(const AnsiString& name) { Part<TButton>(name).Click(); }
+    void Press(const AnsiString& name) {
+        ClickOn(Part<TWinControl>(name));
+        Settle();
+    }
     // Goes down by so many records in a grid.
     void Down(const AnsiString& grid, int count) {
-        for (; count > 0; --count) {
-            uint16_t key = VK_DOWN;
-            Part<TCustomDBGrid>(grid).KeyDown(key, {});
-        }
+        for (; count > 0; --count) PressDown(Part<TWinControl>(grid));
+        Settle();
     }
     // What stands in a row of a grid (from 0), its columns divided by bars (UTF-8).
     std::string Row(const AnsiString& grid, int64_t row) {

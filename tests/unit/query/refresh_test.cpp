@@ -564,6 +564,34 @@ TEST_F(HostileTexts, ThePlainFormIsForWhatIsSqlItself) {
     EXPECT_EQ(Column(*query), "");
 }
 
+TEST_F(HostileTexts, EveryFormOfAFunctionGivesTheTextOrAnError) {
+    const auto quoted = [&](const AnsiString& text) { return database->GetStringSQL(text, true); };
+    int n = 0;
+    for (const AnsiString& text : Texts()) {
+        SCOPED_TRACE(n++);
+        // A literal is SQL itself: the plain forms take it, and only so a text.
+        Parametres()->SetParametreValue("P", quoted(text));
+        for (const char* form : {"PRM", "PRM#", "prm"}) EXPECT_TRUE(Selected(M + form + "(P,'')" + M) == text) << form;
+        Parametres()->SetParametreValue("P", text);
+        for (const char* form : {"PRM$", "prm$"}) EXPECT_TRUE(Selected(M + form + "(P,0)" + M) == text) << form;
+        for (const char* form : {"PRM!", "PRM%"})
+            EXPECT_NE(MessageOf([&] { Selected(M + form + "(P,0)" + M); }), "no error") << form;
+        // In a default the quotes stand twice, as in any text of a statement; a mark would end it.
+        if (text.find(CT_ParametreMark) == AnsiString::npos)
+            EXPECT_TRUE(Selected(M + "PRM$(Missing," + quoted(quoted(text)) + ")" + M) == text);
+        // As the value of a condition of the moment, and beside another function.
+        TQuerySQL counted(nullptr);
+        AddField(counted, "n", "count(*)");
+        counted.FromSQL = "clients";
+        counted.SetCampWhereDataSource(M + "P" + M + " = " + M + "PRM$(P,'')" + M);
+        counted.SetCampWhereFiltre(quoted(text).find(CT_ParametreMark) == AnsiString::npos
+                                       ? quoted(text) + " = " + M + "P" + M
+                                       : AnsiString("1 = 1"));
+        counted.CreaSQL();
+        EXPECT_EQ(counted.QryDataSet()->FieldByName("n")->AsInteger(), 3);
+    }
+}
+
 TEST_F(HostileTexts, ANumberFormTakesNumbersOnly) {
     Parametres()->AddParam("Typed", "1 OR 1=1");
     EXPECT_EQ(MessageOf([&] { Selected(M + "PRM!(Typed,0)" + M); }),

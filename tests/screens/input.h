@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/controls/edits.h"
+#include "platform/controls/win_control.h"
+
+// What a user does to a control. The same stories are told twice: to the controls themselves (input.cpp), and with native
+// events to their windows (windows/input.cpp).
+namespace vyn::screens {
+
+// Types in place of what the edit holds, a character at a time; an empty text deletes it.
+void TypeInto(TCustomEdit& edit, const AnsiString& text);
+void ClickOn(TWinControl& button);
+void PressDown(TWinControl& control);
+// Lets what waits happen.
+void Settle();
+
+}  // namespace vyn::screens

@@ -1,0 +1,61 @@
+#include "screens/input.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QTest>
+#include <QWidget>
+
+#include "platform/system/application.h"
+#include "platform/text/windows1252.h"
+#include "qt/application.h"
+#include "qt/widget_peer.h"
+
+namespace vyn::screens {
+
+namespace {
+
+QWidget* WidgetOf(const TControl& control) {
+    qt::WidgetPeer* peer = qt::PeerOfControl(&control);
+    if (!peer) throw Exception("the control has no window");
+    return peer->FocusTarget();
+}
+
+}  // namespace
+
+void TypeInto(TCustomEdit& edit, const AnsiString& text) {
+    QTest::keyClick(WidgetOf(edit), Qt::Key_A, Qt::ControlModifier);
+    if (text.empty()) QTest::keyClick(WidgetOf(edit), Qt::Key_Delete);
+    for (const QChar each : QString::fromStdString(AnsiToUtf8(text))) {
+        const bool plain = each.isLetterOrNumber() && each.unicode() < 128;
+        QKeyEvent press(QEvent::KeyPress, plain ? each.toUpper().unicode() : 0, Qt::NoModifier, QString(each));
+        QCoreApplication::sendEvent(WidgetOf(edit), &press);
+    }
+}
+
+// A button that nobody has come to yet is a picture on the window that it stands in.
+void ClickOn(TWinControl& button) {
+    QPoint place(button.Width() / 2, button.Height() / 2);
+    for (const TControl* at = &button; at; at = at->Parent()) {
+        qt::WidgetPeer* peer = qt::PeerOfControl(at);
+        QWidget* widget = !peer ? nullptr : at == &button ? peer->FocusTarget() : peer->ClientWidget();
+        if (widget) return QTest::mouseClick(widget, Qt::LeftButton, {}, place);
+        place += QPoint(at->Left(), at->Top());
+    }
+    throw Exception("the button has no window");
+}
+
+void PressDown(TWinControl& control) { QTest::keyClick(WidgetOf(control), Qt::Key_Down); }
+
+void Settle() {
+    for (int turn = 0; turn < 5; ++turn) Application()->ProcessMessages();
+}
+
+}  // namespace vyn::screens
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    testing::InitGoogleTest(&argc, argv);
+    return vyn::qt::RunQtApplication(argc, argv, [] { return RUN_ALL_TESTS(); });
+}
