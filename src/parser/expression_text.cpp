@@ -43,7 +43,7 @@ constexpr double kExactPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7
 
 }  // namespace
 
-Keyword KeywordAt(std::string_view text, size_t at) {
+Keyword WholeKeywordAt(std::string_view text, size_t at) {
     if (at + kKeywordLength > text.size()) return Keyword::None;
     const char first = UpperChar(text[at]);
     if (first == 'D')
@@ -52,13 +52,6 @@ Keyword KeywordAt(std::string_view text, size_t at) {
         return UpperChar(text[at + 1]) == 'O' && UpperChar(text[at + 2]) == 'D' ? Keyword::Mod : Keyword::None;
     return Keyword::None;
 }
-
-bool IsNameStart(char c) {
-    const char upper = UpperChar(c);
-    return (upper >= 'A' && upper <= 'Z') || c == '_';
-}
-
-bool IsNameChar(char c) { return IsNameStart(c) || IsDigit(c); }
 
 bool IsNumberStart(std::string_view text, size_t at) {
     const char first = At(text, at);

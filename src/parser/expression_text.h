@@ -13,10 +13,17 @@ inline constexpr int kKeywordLength = 3;
 
 enum class Keyword : uint8_t { None, Div, Mod };
 // DIV or MOD that begins at this place.
-Keyword KeywordAt(std::string_view text, size_t at);
+Keyword WholeKeywordAt(std::string_view text, size_t at);
+inline Keyword KeywordAt(std::string_view text, size_t at) {
+    constexpr char kSmall = 0x20;
+    const char first = at < text.size() ? static_cast<char>(text[at] | kSmall) : '\0';
+    return first == 'd' || first == 'm' ? WholeKeywordAt(text, at) : Keyword::None;
+}
 
-bool IsNameStart(char c);  // a letter or "_"
-bool IsNameChar(char c);   // a letter, digit or "_"
+// A letter or "_".
+constexpr bool IsNameStart(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_'; }
+// A letter, digit or "_".
+constexpr bool IsNameChar(char c) { return IsNameStart(c) || (c >= '0' && c <= '9'); }
 // A digit, or a point and a digit.
 bool IsNumberStart(std::string_view text, size_t at);
 // Where the unsigned number that begins here ends; `at` when none does.
