@@ -3,8 +3,8 @@
 #include "platform/controls/edits.h"
 #include "platform/controls/win_control.h"
 
-// What a user does to a control. The same stories are told twice: to the controls themselves (input.cpp), and with native
-// events to their windows (windows/input.cpp).
+// What a user does to a control. The same stories are told twice: to the controls themselves (input.cpp), and with
+// native events to their windows (windows/input.cpp).
 namespace vyn::screens {
 
 // Types in place of what the edit holds, a character at a time; an empty text deletes it.

@@ -61,6 +61,25 @@ TEST_F(ScreenTest, TheLinesFollowTheOrder) {
     EXPECT_EQ(Row("GraellaDetall", 0), line);
 }
 
+TEST_F(ScreenTest, AnotherUsersOrderDoesNotMoveTheCurrentOne) {
+    Open("Comandes i línies");
+    Down("Graella", 1);
+    const std::string line = Row("GraellaDetall", 0);
+    auto* connection = ObjectCast<TADOConnection>(FindGlobalComponent("Dades.Connexio"));
+    connection->Execute("INSERT INTO comandes VALUES (4001, 20244001, 1, '2026-11-17', 'pendent')");
+    Press("Actualitzar");
+    EXPECT_EQ(Row("Graella", 0).substr(0, 8), "20244001");
+    EXPECT_EQ(Part<TDataSet>("Consulta").FieldByName("numero")->AsInteger(), 20243999);
+    EXPECT_EQ(Row("GraellaDetall", 0), line);
+}
+
+TEST_F(ScreenTest, ATableThatIsMissingIsToldInTheStatusBar) {
+    ObjectCast<TADOConnection>(FindGlobalComponent("Dades.Connexio"))->Execute("DROP TABLE linies");
+    Open("Línies d'una comanda");
+    EXPECT_NE(Part<TStatusBar>("Estat").SimpleText().find("linies"), AnsiString::npos);
+    EXPECT_FALSE(Part<TDataSet>("Consulta").Active());
+}
+
 TEST_F(ScreenTest, ARuleCalculatesLineAndOrder) {
     Open("Línies d'una comanda");
     EXPECT_EQ(Titles("Graella"), "Article|Quantitat|Preu|Import");

@@ -1,5 +1,7 @@
 #include "programs/host/grid_form.h"
 
+#include <algorithm>
+
 #include "platform/controls/form_classes.h"
 #include "platform/controls/labels.h"
 #include "platform/controls/status_bars.h"
@@ -54,7 +56,14 @@ std::vector<TQuerySQL*> TFRMDBGrid::Queries() const {
 
 void TFRMDBGrid::OpenQueries() {
     try {
-        for (TQuerySQL* query : Queries()) query->CreaSQL();
+        for (TQuerySQL* query : Queries()) {
+            const bool open = query->QryDataSet() && query->QryDataSet()->Active();
+            // Those that are open keep their place, and masters refresh the queries below them.
+            if (!open)
+                query->CreaSQL();
+            else if (!query->QrySQLMaster())
+                query->RefrescaSQL();
+        }
         OpenConsulta();
     } catch (const EAbort&) {
         throw;
@@ -73,12 +82,16 @@ void TFRMDBGrid::OpenConsulta() {
 }
 
 void TFRMDBGrid::ActualitzarClick(TObject*) {
-    TCustomADODataSet* query = Query();
-    if (!query) return;
-    const int64_t record = query->Active() ? query->CurrentRecord() : 0;
-    query->Close();
+    TCustomADODataSet* consulta = Query();
+    if (!consulta) return;
+    const auto queries = Queries();
+    const bool located = std::any_of(queries.begin(), queries.end(), [&](const TQuerySQL* query) {
+        return query->QryDataSet() == consulta && query->LocateOnRefresh;
+    });
+    const int64_t record = consulta->Active() ? consulta->CurrentRecord() : 0;
+    if (queries.empty()) consulta->Close();
     OpenQueries();
-    if (query->Active()) query->SetCurrentRecord(record);
+    if (!located && consulta->Active()) consulta->SetCurrentRecord(record);
 }
 
 void TFRMDBGrid::FontDataChange(TObject*, TField*) {
