@@ -275,6 +275,8 @@ TEST(DatabaseStreams, ADatabaseComesBackWithItsDictionaries) {
         query->QuerySQLStream().SetBytes("image");
         WriteComponentToStream(stream, database);
     }
+    for (const char* name : {"DataSetDict.SQLFields", "QUERYSQLSTREAM"})
+        EXPECT_THAT(std::string(stream.Bytes()), testing::HasSubstr(name));
     stream.SetPosition(0);
     TDataBaseVyn again(nullptr);
     again.SetVynDBName("Other");
