@@ -1,5 +1,6 @@
 #include "events/Utvynsubcons.h"
 
+#include "foundation/Ufuncionscomponentsvyn.h"
 #include "platform/controls/enum_names.h"
 #include "platform/controls/forms.h"
 #include "platform/objects/component_handle.h"
@@ -145,10 +146,8 @@ bool TSubConsultes::HasValorsAnticsSubConsultes(const TObject* sender) const {
         name = component->Name();
     if (name.empty()) return false;
     for (int i = 0; i < valorsSubconsultes_.Count(); ++i) {
-        const AnsiString& line = valorsSubconsultes_.At(i);
-        const size_t at = line.find('=');
-        if (at == AnsiString::npos || !AnsiSameText(Trim(line.substr(0, at)), name)) continue;
-        return !Trim(line.substr(at + 1)).empty();
+        AnsiString key, value;
+        if (PartsIgualtat(valorsSubconsultes_.At(i), key, value) && AnsiSameText(key, name)) return !value.empty();
     }
     return false;
 }

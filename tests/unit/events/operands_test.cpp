@@ -368,6 +368,8 @@ TEST_F(Operands, AnExpressionReadsTheValuesOfTheMoment) {
 TEST_F(Operands, AnExpressionWithANullVariableIsNull) {
     Parametres()->AddParam("A", Variant::Null());
     EXPECT_TRUE(Source(tdcExpresion, "A*2").IsNull());
+    Parametres()->SetParametreValue("A", "");
+    EXPECT_TRUE(Source(tdcExpresion, "A*2").IsNull()) << "an empty text is none either";
 }
 
 TEST_F(Operands, AVariableThatIsNowhereIsNamed) {
