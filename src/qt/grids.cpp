@@ -8,6 +8,7 @@
 
 #include "platform/controls/db_grids.h"
 #include "qt/factory.h"
+#include "qt/keys.h"
 #include "qt/looks.h"
 #include "qt/painted.h"
 #include "qt/text.h"
@@ -33,6 +34,7 @@ class GridWidget final : public NativeScrolling<QAbstractScrollArea> {
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
     void scrollContentsBy(int, int) override;
 
   private:
@@ -60,8 +62,10 @@ class GridPeer final : public PeerOf<TCustomDBGrid> {
     }
 
     bool WheelsByItself() const override { return false; }
+    // The editor in a cell lies on the cells and moves with them.
+    QWidget* ClientWidget() const override { return widget_ ? Area()->viewport() : nullptr; }
 
-    void Press(const QPoint& at) {
+    void Press(const QPoint& at, TShiftState shift) {
         pressedTitle_ = sizedColumn_ = -1;
         if (at.y() < Self().TitleHeight()) {
             sizedColumn_ = GripAt(at.x());
@@ -70,8 +74,12 @@ class GridPeer final : public PeerOf<TCustomDBGrid> {
             moving_ = false;
             return;
         }
-        const int64_t record = Self().TopRecord() + (at.y() - Self().TitleHeight()) / std::max(1, Self().RowHeight());
-        Guard(&Self(), [&] { Self().ProcessCellClick(record, ColumnAt(at.x())); });
+        Guard(&Self(), [&] { Self().ProcessCellClick(RecordAt(at.y()), ColumnAt(at.x()), shift); });
+    }
+
+    void PressTwice(const QPoint& at) {
+        if (at.y() < Self().TitleHeight()) return;
+        Guard(&Self(), [&] { Self().ProcessCellDblClick(RecordAt(at.y()), ColumnAt(at.x())); });
     }
 
     void Move(const QPoint& at) {
@@ -103,7 +111,10 @@ class GridPeer final : public PeerOf<TCustomDBGrid> {
 
     void Scrolled() {
         if (updating_ > 0) return;
-        Guard(&Self(), [&] { Self().ProcessScroll(Area()->verticalScrollBar()->value()); });
+        Guard(&Self(), [&] {
+            Self().ProcessLeftOffset(Area()->horizontalScrollBar()->value());
+            Self().ProcessScroll(Area()->verticalScrollBar()->value());
+        });
         Area()->viewport()->update();
         UpdateBars();
     }
@@ -169,6 +180,9 @@ class GridPeer final : public PeerOf<TCustomDBGrid> {
   private:
     QAbstractScrollArea* Area() const { return static_cast<QAbstractScrollArea*>(widget_); }
 
+    int64_t RecordAt(int y) const {
+        return Self().TopRecord() + (y - Self().TitleHeight()) / std::max(1, Self().RowHeight());
+    }
     int ColumnLeft(int index) const {
         int left = Self().IndicatorWidth() - Area()->horizontalScrollBar()->value();
         const auto& columns = Self().ShownColumns();
@@ -233,10 +247,12 @@ class GridPeer final : public PeerOf<TCustomDBGrid> {
             if (cell.right() < 0) continue;
             if (cell.left() > viewport.width()) break;
             painter.setPen(palette.color(QPalette::ButtonText));
-            painter.drawText(cell.adjusted(kTextMargin, 0, -kTextMargin, 0),
-                             AlignmentFlags(column->Title()->Alignment()) | Qt::AlignVCenter,
-                             painter.fontMetrics().elidedText(ToQt(column->Title()->Caption()), Qt::ElideRight,
-                                                              cell.width() - 2 * kTextMargin));
+            QRect inside = cell.adjusted(kTextMargin, 0, -kTextMargin, 0);
+            if (const int direction = grid.SortDirection(*column); direction != 0)
+                inside = PaintSortMark(painter, inside, direction);
+            painter.drawText(
+                inside, AlignmentFlags(column->Title()->Alignment()) | Qt::AlignVCenter,
+                painter.fontMetrics().elidedText(ToQt(column->Title()->Caption()), Qt::ElideRight, inside.width()));
             painter.setPen(palette.color(QPalette::Mid));
             painter.drawLine(cell.right(), cell.top() + 3, cell.right(), cell.bottom() - 3);
         }
@@ -246,9 +262,26 @@ class GridPeer final : public PeerOf<TCustomDBGrid> {
         painter.drawLine(0, height - 1, viewport.width(), height - 1);
     }
 
+    // A triangle at the title's right end; gives what is left for the text.
+    static QRect PaintSortMark(QPainter& painter, const QRect& inside, int direction) {
+        constexpr int kHalf = 4;
+        const QPoint middle(inside.right() - kHalf, inside.center().y());
+        const int tip = direction > 0 ? -kHalf / 2 : kHalf / 2;
+        QPolygon mark;
+        mark << middle + QPoint(-kHalf, -tip) << middle + QPoint(kHalf, -tip) << middle + QPoint(0, tip);
+        painter.save();
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setBrush(painter.pen().color());
+        painter.setPen(Qt::NoPen);
+        painter.drawPolygon(mark);
+        painter.restore();
+        return inside.adjusted(0, 0, -3 * kHalf, 0);
+    }
+
     void PaintRow(QPainter& painter, const QRect& viewport, int64_t record, int y, int rowHeight, const QColor& lines) {
         TCustomDBGrid& grid = Self();
         const bool current = grid.DataSet()->CurrentRecord() == record;
+        const bool marked = grid.Has(dgMultiSelect) && grid.SelectedRows().Contains(record);
         const bool focused = widget_->hasFocus();
         const auto& columns = grid.ShownColumns();
         int left = ColumnLeft(0);
@@ -258,7 +291,8 @@ class GridPeer final : public PeerOf<TCustomDBGrid> {
             left += column.Width();
             if (cell.right() < 0) continue;
             if (cell.left() > viewport.width()) break;
-            const bool chosen = current && (grid.Has(dgRowSelect) || static_cast<int>(i) == grid.SelectedIndex());
+            const bool chosen =
+                marked || (current && (grid.Has(dgRowSelect) || static_cast<int>(i) == grid.SelectedIndex()));
             PaintCell(painter, cell, column, record, chosen, focused);
             if (grid.Has(dgColLines)) {
                 painter.setPen(lines);
@@ -296,15 +330,31 @@ class GridPeer final : public PeerOf<TCustomDBGrid> {
         const QPalette& palette = widget_->palette();
         painter.fillRect(cell, ToQColor(Self().FixedColor(), palette));
         if (!current) return;
-        const int middle = cell.center().y();
-        const int size = 4;
-        QPolygon arrow;
-        arrow << QPoint(cell.left() + 4, middle - size) << QPoint(cell.left() + 4 + size, middle)
-              << QPoint(cell.left() + 4, middle + size);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(palette.color(QPalette::ButtonText));
+        // An arrow at the current record; a pencil's stroke while it is edited, a star while it is new.
+        const QPointF middle = QRectF(cell).center();
+        constexpr qreal kSize = 4;
+        const QColor color = palette.color(QPalette::ButtonText);
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.drawPolygon(arrow);
+        painter.setPen(QPen(color, 1.5));
+        switch (Self().DataSet()->State()) {
+            case dsEdit:
+                painter.drawLine(middle + QPointF(-2, 3), middle + QPointF(2, -4));
+                painter.drawPoint(middle + QPointF(-3, 5));
+                break;
+            case dsInsert:
+                for (const QPointF& arm :
+                     {QPointF(kSize, 0), QPointF(kSize / 2, kSize * 0.87), QPointF(-kSize / 2, kSize * 0.87)})
+                    painter.drawLine(middle - arm, middle + arm);
+                break;
+            default: {
+                QPolygonF arrow;
+                arrow << middle + QPointF(-kSize / 2, -kSize) << middle + QPointF(kSize / 2, 0)
+                      << middle + QPointF(-kSize / 2, kSize);
+                painter.setPen(Qt::NoPen);
+                painter.setBrush(color);
+                painter.drawPolygon(arrow);
+            }
+        }
         painter.setRenderHint(QPainter::Antialiasing, false);
     }
 
@@ -329,7 +379,8 @@ void GridWidget::resizeEvent(QResizeEvent*) {
 }
 
 void GridWidget::mousePressEvent(QMouseEvent* event) {
-    if (Grid() && event->button() == Qt::LeftButton) Grid()->Press(event->position().toPoint());
+    if (Grid() && event->button() == Qt::LeftButton)
+        Grid()->Press(event->position().toPoint(), ToShiftState(event->modifiers()));
 }
 
 void GridWidget::mouseMoveEvent(QMouseEvent* event) {
@@ -338,6 +389,10 @@ void GridWidget::mouseMoveEvent(QMouseEvent* event) {
 
 void GridWidget::mouseReleaseEvent(QMouseEvent* event) {
     if (Grid() && event->button() == Qt::LeftButton) Grid()->Release(event->position().toPoint());
+}
+
+void GridWidget::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (Grid() && event->button() == Qt::LeftButton) Grid()->PressTwice(event->position().toPoint());
 }
 
 void GridWidget::scrollContentsBy(int, int) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/controls/db_cell_editor.h"
 #include "platform/controls/db_choices.h"
 #include "platform/controls/db_controls.h"
 #include "platform/controls/db_navigators.h"
@@ -227,8 +228,11 @@ TCustomDBGrid::TCustomDBGrid(TComponent* owner) : TWinControl(owner), columns_(s
 
 TCustomDBGrid::~TCustomDBGrid() {
     BeginDestruction();
+    editor_.reset();
     link_.reset();
 }
+
+TDataLink& TCustomDBGrid::DataLink() { return *link_; }
 
 TDataSource* TCustomDBGrid::DataSource() const { return link_ ? link_->DataSource() : nullptr; }
 
@@ -243,35 +247,6 @@ TDataSet* TCustomDBGrid::DataSet() const { return link_ ? link_->ActiveDataSet()
 void TCustomDBGrid::Notification(TComponent* component, TOperation operation) {
     TWinControl::Notification(component, operation);
     if (operation == opRemove && link_ && component == link_->DataSource()) link_->SetDataSource(nullptr);
-}
-
-void TCustomDBGrid::DataChanged(DataEvent event) {
-    switch (event) {
-        case DataEvent::ActiveChanged:
-            topRecord_ = 0;
-            shownValid_ = false;
-            PeerChanged(PeerChange::Items);
-            break;
-        case DataEvent::LayoutChanged:
-            shownValid_ = false;
-            PeerChanged(PeerChange::Items);
-            break;
-        case DataEvent::RecordsChanged:
-            PeerChanged(PeerChange::Items);
-            KeepCurrentInSight();
-            break;
-        case DataEvent::Scrolled:
-            KeepCurrentInSight();
-            PeerChanged(PeerChange::Selection);
-            break;
-        case DataEvent::StateChanged:
-        case DataEvent::RecordChanged:
-            PeerChanged(PeerChange::Invalidate);
-            break;
-        case DataEvent::UpdateRecord:
-        case DataEvent::CheckBrowse:
-            break;
-    }
 }
 
 void TCustomDBGrid::ColumnsChanged() {
@@ -364,6 +339,16 @@ int TCustomDBGrid::VisibleRows() const {
     return std::max(1, (inner - bar - TitleHeight()) / std::max(1, RowHeight()));
 }
 
+TRect TCustomDBGrid::CellRect(int column, int64_t record) const {
+    const auto& columns = ShownColumns();
+    int left = IndicatorWidth() - leftOffset_;
+    for (int i = 0; i < column && i < static_cast<int>(columns.size()); ++i)
+        left += columns[static_cast<size_t>(i)]->Width();
+    const int width = column < static_cast<int>(columns.size()) ? columns[static_cast<size_t>(column)]->Width() : 0;
+    const int64_t row = std::clamp<int64_t>(record - topRecord_, -1, VisibleRows() + 1);
+    return Bounds(left, TitleHeight() + static_cast<int>(row) * RowHeight(), width, RowHeight());
+}
+
 void TCustomDBGrid::SetTopRecord(int64_t record) {
     TDataSet* data = DataSet();
     if (!data) return;
@@ -406,6 +391,7 @@ void TCustomDBGrid::SetSelectedIndex(int value) {
     const int last = static_cast<int>(ShownColumns().size()) - 1;
     value = std::clamp(value, 0, std::max(last, 0));
     if (value == selectedColumn_) return;
+    HideEditor();
     OnColExit(this);
     selectedColumn_ = value;
     OnColEnter(this);
@@ -416,21 +402,6 @@ TField* TCustomDBGrid::SelectedField() const {
     const auto& columns = ShownColumns();
     return selectedColumn_ < static_cast<int>(columns.size()) ? columns[static_cast<size_t>(selectedColumn_)]->Field()
                                                               : nullptr;
-}
-
-void TCustomDBGrid::ProcessCellClick(int64_t record, int column) {
-    TDataSet* data = DataSet();
-    const auto& columns = ShownColumns();
-    if (!data || column < 0 || column >= static_cast<int>(columns.size())) return;
-    TColumn* clicked = columns[static_cast<size_t>(column)];
-    SetSelectedIndex(column);
-    data->SetCurrentRecord(record);
-    OnCellClick(clicked);
-}
-
-void TCustomDBGrid::ProcessTitleClick(int column) {
-    const auto& columns = ShownColumns();
-    if (column >= 0 && column < static_cast<int>(columns.size())) OnTitleClick(columns[static_cast<size_t>(column)]);
 }
 
 void TCustomDBGrid::AdoptColumns() {
@@ -490,6 +461,11 @@ void TCustomDBGrid::KeyDown(uint16_t& key, TShiftState shift) {
     TWinControl::KeyDown(key, shift);
     TDataSet* data = DataSet();
     if (!data || key == 0) return;
+    if (EditingKey(key, shift)) {
+        key = 0;
+        return;
+    }
+    if (shift.Contains(ssAlt)) return;
     const bool control = shift.Contains(ssCtrl);
     const int last = static_cast<int>(ShownColumns().size()) - 1;
     switch (key) {
@@ -497,13 +473,13 @@ void TCustomDBGrid::KeyDown(uint16_t& key, TShiftState shift) {
             if (control)
                 data->First();
             else
-                MoveRecords(-1);
+                MoveUp();
             break;
         case VK_DOWN:
             if (control)
                 data->Last();
             else
-                MoveRecords(1);
+                MoveDown();
             break;
         case VK_PRIOR:
             MoveRecords(-VisibleRows());

@@ -126,14 +126,47 @@ class TDBGridColumns : public TOwnedCollection<TColumn> {
     TCustomDBGrid* grid_;
 };
 
+// The records that the user marked, while the dataset stays open. Marks of records that are gone do not count.
+class TBookmarkList {
+  public:
+    explicit TBookmarkList(TCustomDBGrid& grid) : grid_(grid) {}
+    int Count() const;
+    TBookmark Items(int index) const;  // raises EListError
+    bool CurrentRowSelected() const;
+    void SetCurrentRowSelected(bool value);
+    bool Contains(int64_t record) const;
+    void Set(int64_t record, bool marked);
+    void Clear();
+    // Deletes the marked records.
+    void Delete();
+
+  private:
+    TCustomDBGrid& grid_;
+    std::vector<TBookmark> items_;
+};
+
 using TDBGridClickEvent = Event<void(TColumn* Column)>;
 using TMovedEvent = Event<void(TObject* Sender, int FromIndex, int ToIndex)>;
 
 // Shows the records of a dataset in rows and its fields in columns.
 //
 // Rows are records by number; only those that are shown are asked for, and more are fetched when the user goes to them.
-// Without columns of its own the grid shows the dataset's visible fields. Keys: arrows, Page Up and Down, Home and End
-// (with Ctrl: the first and last record), Tab between columns (dgTabs).
+// Without columns of its own the grid shows the dataset's visible fields. A click on a title sorts by the column, the
+// next one the other way round, unless OnTitleClick is there to do something else.
+//
+// Keys
+//     arrows, Page Up, Page Down   the record or column beside; Down behind the last record begins a new one
+//     Home, End                    the first, last column; with Ctrl (or dgRowSelect): record
+//     Ctrl+Up, Ctrl+Down           the first, last record
+//     Tab, Shift+Tab               the column beside (dgTabs)
+//     Insert, Ctrl+Delete          a new record before this one; delete it, or the marked ones (dgConfirmDelete asks)
+//     F2, Enter, a character       edit the cell (dgEditing); there Enter puts it into the field, Escape takes it back
+//     F4, Alt+Down                 the cell's lines to choose from; Ctrl+Enter: OnEditButtonClick
+//     Escape                       forget what was changed in the record
+//     a character, Backspace       where cells are not edited: go to the next record whose cell begins with what is
+//                                  typed
+//     Ctrl+Space, Shift+Up, +Down  mark the record, and those beside (dgMultiSelect)
+//     Ctrl+C                       copy the cell, or the marked records, or the row (dgRowSelect) as text
 class TCustomDBGrid : public TWinControl {
     VYN_OBJECT
   public:
@@ -177,6 +210,29 @@ class TCustomDBGrid : public TWinControl {
     int IndicatorWidth() const;
     // The text of a cell, fetching the record when it is not there yet; empty beyond the last.
     AnsiString CellText(int64_t record, const TColumn& column);
+    // Where a cell stands in the client area, in sight or not.
+    TRect CellRect(int column, int64_t record) const;
+    // The pixels that the columns are scrolled by.
+    int LeftOffset() const { return leftOffset_; }
+
+    // Editing in the cell.
+    bool CanEditShow() const;
+    bool EditorMode() const;
+    void SetEditorMode(bool value) { value ? ShowEditor() : HideEditor(); }
+    void ShowEditor();
+    // Puts what was typed into the field; what is wrong with it raises, and the editor stays.
+    void HideEditor();
+    // The control that edits; null while none does.
+    TWinControl* InplaceEditor() const;
+    void EditButtonClick() { OnEditButtonClick(this); }
+
+    TBookmarkList& SelectedRows() { return selectedRows_; }
+    const TBookmarkList& SelectedRows() const { return selectedRows_; }
+    // 1 when the records are sorted by the column, -1 when the other way round, else 0.
+    int SortDirection(const TColumn& column) const;
+    void SortBy(const TColumn& column);
+    // As text, a record a line, the cells with tabs between them.
+    void CopyToClipboard();
 
     TDBGridClickEvent OnCellClick;
     TNotifyEvent OnColEnter;
@@ -187,17 +243,22 @@ class TCustomDBGrid : public TWinControl {
     TNotifyEvent OnDrawColumnCell;
 
     // From the peer.
-    void ProcessCellClick(int64_t record, int column);
+    void ProcessCellClick(int64_t record, int column, TShiftState shift = {});
+    void ProcessCellDblClick(int64_t record, int column);
     void ProcessTitleClick(int column);
     void ProcessColumnResize(int column, int width);
     void ProcessColumnMove(int from, int to);
     void ProcessScroll(int64_t topRecord) { SetTopRecord(topRecord); }
+    void ProcessLeftOffset(int pixels);
 
     void KeyDown(uint16_t& key, TShiftState shift) override;
+    void KeyPress(char& key) override;
     bool WantsKey(uint16_t key, TShiftState shift) const override;
     bool DoMouseWheel(TShiftState shift, int wheelDelta, TPoint mousePos) override;
     void SetBounds(int left, int top, int width, int height) override;
     void Loaded() override;
+    void DoExit() override;
+    void GetChildren(const std::function<void(TComponent*)>&, TComponent*) override {}
 
   protected:
     void Notification(TComponent* component, TOperation operation) override;
@@ -207,11 +268,23 @@ class TCustomDBGrid : public TWinControl {
     friend class TDBGridColumns;
     friend class TColumn;
     class Link;
+    class CellEditor;
     void DataChanged(DataEvent event);
     void ColumnsChanged();
     void KeepCurrentInSight();
     void MoveRecords(int64_t distance);
     void AdoptColumns();
+    // Keys that edit, mark or copy (db_grid_editing.cpp); true: taken.
+    bool EditingKey(uint16_t key, TShiftState shift);
+    bool CanInsert() const;
+    void MoveDown();
+    void MoveUp();
+    void DeleteRecords();
+    void MarkTo(int64_t distance);
+    void MarkRange(int64_t from, int64_t to);
+    void SearchFor(char key);
+    TColumn* SelectedColumn() const;
+    TDataLink& DataLink();
 
     std::unique_ptr<Link> link_;
     std::unique_ptr<TDBGridColumns> columns_;
@@ -226,7 +299,15 @@ class TCustomDBGrid : public TWinControl {
     TBorderStyle borderStyle_ = TBorderStyle::bsSingle;
     TColor fixedColor_ = clBtnFace;
     int selectedColumn_ = 0;
+    int leftOffset_ = 0;
     int64_t topRecord_ = 0;
+    std::unique_ptr<CellEditor> editor_;
+    TBookmarkList selectedRows_{*this};
+    int64_t markedFrom_ = -1;
+    // What is searched for, in which column, and when the last of it was typed.
+    AnsiString searched_;
+    int searchedColumn_ = -1;
+    uint32_t searchedAt_ = 0;
 };
 
 class TDBGrid : public TCustomDBGrid {

@@ -89,7 +89,9 @@ class TDataSet : public TComponent {
     bool Locate(const AnsiString& keyFields, const std::vector<Variant>& values, TLocateOptions options = {});
     Variant Lookup(const AnsiString& keyFields, const Variant& value, const AnsiString& resultField);
     Variant Lookup(const AnsiString& keyFields, const std::vector<Variant>& values, const AnsiString& resultField);
-    TBookmark GetBookmark() const;
+    TBookmark GetBookmark() const { return BookmarkOf(current_); }
+    // The same of any fetched record; empty beyond them.
+    TBookmark BookmarkOf(int64_t record) const;
     bool BookmarkValid(TBookmark bookmark) const;
     // Raises EDatabaseError "Record not found" for a record that is gone.
     void GotoBookmark(TBookmark bookmark);

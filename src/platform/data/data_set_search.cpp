@@ -116,8 +116,8 @@ Variant TDataSet::Lookup(const AnsiString& keyFields, const std::vector<Variant>
     return record < 0 ? Variant::Null() : field->ValueIn(record);
 }
 
-TBookmark TDataSet::GetBookmark() const {
-    const int64_t row = RowOf(current_);
+TBookmark TDataSet::BookmarkOf(int64_t record) const {
+    const int64_t row = RowOf(record);
     return row < 0 ? TBookmark{} : TBookmark{rows_->Identity(row), opening_};
 }
 

@@ -1,9 +1,11 @@
 // Controls over a field, with real keys and the mouse.
 #include <QCheckBox>
+#include <QComboBox>
 #include <QLineEdit>
 
 #include "platform/controls/db_choices.h"
 #include "platform/controls/db_controls.h"
+#include "platform/controls/db_grids.h"
 #include "platform/controls/db_navigators.h"
 #include "qt_tests.h"
 #include "unit/platform_data/memory_data_set.h"
@@ -129,7 +131,115 @@ struct DataForm : Shown {
     MemoryDataSet data;
 };
 
+constexpr std::string_view kGridForm = R"(object F: TForm
+  ClientWidth = 420
+  ClientHeight = 180
+  object Source: TDataSource
+  end
+  object Grid: TDBGrid
+    Left = 10
+    Top = 10
+    Width = 400
+    Height = 160
+    DataSource = Source
+    TabOrder = 0
+    Columns = <
+      item
+        FieldName = 'Name'
+        Width = 150
+      end
+      item
+        FieldName = 'Rate'
+        Width = 90
+      end
+      item
+        FieldName = 'Ok'
+        Width = 90
+      end>
+  end
+end
+)";
+
+struct GridForm : Shown {
+    GridForm()
+        : Shown(kGridForm),
+          data({MemoryDataSet::Row(1, "Soler", 3), MemoryDataSet::Row(2, "Puig", 1), MemoryDataSet::Row(3, "Roig")}) {
+        data.Open();
+        Get<TDataSource>("Source").SetDataSet(&data);
+        Settle();
+    }
+    ~GridForm() { Get<TDataSource>("Source").SetDataSet(nullptr); }
+    TDBGrid& Grid() const { return Get<TDBGrid>("Grid"); }
+    QWidget* Cells() const { return qt::PeerOfControl(&Grid())->ClientWidget(); }
+    QPoint Middle(int column, int64_t record) const {
+        const TRect cell = Grid().CellRect(column, record);
+        return {cell.Left + cell.Width() / 2, cell.Top + cell.Height() / 2};
+    }
+    MemoryDataSet data;
+};
+
 }  // namespace
+
+TEST(DataControls, ACellIsEditedWithRealKeys) {
+    GridForm form;
+    TDBGrid& grid = form.Grid();
+    grid.SetFocus();
+    Settle();
+    TypeText(QStringLiteral("Vila"));
+    ASSERT_TRUE(grid.EditorMode());
+    auto* line = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    ASSERT_NE(line, nullptr);
+    EXPECT_EQ(line->text(), QStringLiteral("Vila"));
+    EXPECT_EQ(line->parentWidget(), form.Cells());
+    const TRect cell = grid.CellRect(0, 0);
+    EXPECT_EQ(line->geometry(), QRect(cell.Left, cell.Top, cell.Width(), cell.Height()));
+    PressKey(Qt::Key_Down);
+    EXPECT_EQ(form.data.Written, std::vector<AnsiString>{"update Soler to Vila"});
+    EXPECT_FALSE(line->isVisible());
+    EXPECT_TRUE(grid.Focused());
+    TypeText(QStringLiteral("x"));
+    PressKey(Qt::Key_Escape);
+    PressKey(Qt::Key_Escape);
+    PressKey(Qt::Key_Escape);
+    EXPECT_EQ(form.data.State(), dsBrowse);
+    EXPECT_EQ(form.data.FieldByName("Name")->AsString(), "Puig");
+}
+
+TEST(DataControls, ClicksChooseEditAndSort) {
+    GridForm form;
+    TDBGrid& grid = form.Grid();
+    QTest::mouseClick(form.Cells(), Qt::LeftButton, {}, form.Middle(1, 1));
+    EXPECT_EQ(form.data.RecNo(), 2);
+    EXPECT_EQ(grid.SelectedIndex(), 1);
+    EXPECT_FALSE(grid.EditorMode());
+    QTest::mouseClick(form.Cells(), Qt::LeftButton, {}, form.Middle(1, 1));
+    ASSERT_TRUE(grid.EditorMode());
+    EXPECT_TRUE(qobject_cast<QLineEdit*>(QApplication::focusWidget()));
+    const QImage unsorted = Main(grid)->grab().toImage();
+    QTest::mouseClick(form.Cells(), Qt::LeftButton, {}, {form.Middle(0, 0).x(), 5});
+    EXPECT_FALSE(grid.EditorMode());
+    EXPECT_EQ(form.data.Sort(), "[Name]");
+    EXPECT_NE(Main(grid)->grab().toImage(), unsorted);
+}
+
+TEST(DataControls, TrueAndFalseDropDownInTheirCell) {
+    GridForm form;
+    TDBGrid& grid = form.Grid();
+    grid.SetFocus();
+    grid.SetSelectedIndex(2);
+    Settle();
+    PressKey(Qt::Key_F2);
+    Settle();
+    ASSERT_TRUE(grid.EditorMode());
+    auto* combo = static_cast<QComboBox*>(Main(*grid.InplaceEditor()));
+    EXPECT_TRUE(combo->isVisible());
+    EXPECT_EQ(combo->count(), 2);
+    combo->setCurrentIndex(1);
+    Q_EMIT combo->activated(1);
+    PressKey(Qt::Key_Return);
+    EXPECT_FALSE(grid.EditorMode());
+    EXPECT_FALSE(form.data.FieldByName("Ok")->AsBoolean());
+}
 
 TEST(DataControls, RealKeysEditTheRecord) {
     DataForm form;

@@ -322,9 +322,6 @@ constexpr std::string_view kButtonForm = R"(object F: TForm
   end
 end
 )";
-// At whatever has the keyboard.
-void PressKey(Qt::Key key) { QTest::keyClick(QApplication::focusWidget(), key); }
-
 constexpr const char* kButtons[] = {"Plain", "Marked", "Off", "Narrow", "Open", "Paid",
                                     "Sent",  "Left",   "Big", "Day",    "Week"};
 

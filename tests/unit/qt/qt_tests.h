@@ -58,6 +58,12 @@ inline void Press(const TControl& control, Qt::Key key, Qt::KeyboardModifiers mo
     QTest::keyClick(WidgetOf(control), key, modifiers);
 }
 
+// The same for whatever has the keyboard.
+inline void TypeText(const QString& text) {
+    for (const QChar each : text) QTest::keyClicks(QApplication::focusWidget(), each);
+}
+inline void PressKey(Qt::Key key) { QTest::keyClick(QApplication::focusWidget(), key); }
+
 // A form that is shown for the length of a test.
 class Shown {
   public:
