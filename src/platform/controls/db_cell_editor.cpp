@@ -16,9 +16,7 @@ constexpr int kButtonWidth = 18;
 
 }  // namespace cell_editor_detail
 
-AnsiString TCustomDBGrid::CellEditor::Text() const {
-    return shown_ == text_.get() ? text_->Text() : lines_->Text();
-}
+AnsiString TCustomDBGrid::CellEditor::Text() const { return shown_ == text_.get() ? text_->Text() : lines_->Text(); }
 
 void TCustomDBGrid::CellEditor::Show() {
     TColumn* column = grid_.SelectedColumn();
@@ -114,8 +112,7 @@ void TCustomDBGrid::CellEditor::TypeFirst(char key) {
     const AnsiString typed = key == cell_editor_detail::kBackspace ? AnsiString() : AnsiString(1, key);
     if (shown_ == text_.get()) {
         const int length = static_cast<int>(typed.size());
-        if (text_->IsMasked())
-            text_->Clear();
+        if (text_->IsMasked()) text_->Clear();
         text_->ProcessTextEdit(typed, length, 0);
         text_->PeerChanged(PeerChange::Text);
         text_->PeerChanged(PeerChange::Selection);

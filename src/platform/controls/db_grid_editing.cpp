@@ -342,9 +342,8 @@ void TCustomDBGrid::CopyToClipboard() {
 
 int TBookmarkList::Count() const {
     const TDataSet* data = grid_.DataSet();
-    return static_cast<int>(std::count_if(items_.begin(), items_.end(), [&](TBookmark bookmark) {
-        return data && data->BookmarkValid(bookmark);
-    }));
+    return static_cast<int>(std::count_if(items_.begin(), items_.end(),
+                                          [&](TBookmark bookmark) { return data && data->BookmarkValid(bookmark); }));
 }
 
 TBookmark TBookmarkList::Items(int index) const {
@@ -355,9 +354,7 @@ TBookmark TBookmarkList::Items(int index) const {
     throw EListError("List index out of bounds (" + IntToStr(index) + ")");
 }
 
-bool TBookmarkList::CurrentRowSelected() const {
-    return grid_.DataSet() && Contains(grid_.DataSet()->CurrentRecord());
-}
+bool TBookmarkList::CurrentRowSelected() const { return grid_.DataSet() && Contains(grid_.DataSet()->CurrentRecord()); }
 
 void TBookmarkList::SetCurrentRowSelected(bool value) {
     if (grid_.DataSet()) Set(grid_.DataSet()->CurrentRecord(), value);
@@ -367,9 +364,8 @@ bool TBookmarkList::Contains(int64_t record) const {
     const TDataSet* data = grid_.DataSet();
     if (!data || items_.empty()) return false;
     const TBookmark bookmark = data->BookmarkOf(record);
-    return !bookmark.Empty() && std::binary_search(items_.begin(), items_.end(), bookmark, [](TBookmark a, TBookmark b) {
-        return a.Identity < b.Identity;
-    });
+    return !bookmark.Empty() && std::binary_search(items_.begin(), items_.end(), bookmark,
+                                                   [](TBookmark a, TBookmark b) { return a.Identity < b.Identity; });
 }
 
 void TBookmarkList::Set(int64_t record, bool marked) {

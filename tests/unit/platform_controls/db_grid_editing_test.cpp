@@ -18,7 +18,8 @@ class GridEditing : public testing::Test {
   protected:
     GridEditing()
         : form(nullptr),
-          data({MemoryDataSet::Row(1, "Soler", 3), MemoryDataSet::Row(2, "Puig", 1), MemoryDataSet::Row(3, "Solana", 2)}),
+          data({MemoryDataSet::Row(1, "Soler", 3), MemoryDataSet::Row(2, "Puig", 1),
+                MemoryDataSet::Row(3, "Solana", 2)}),
           source(&form) {
         source.SetDataSet(&data);
         grid = Put<TDBGrid>(&form, 0, 0, 600, 200);
