@@ -58,13 +58,13 @@ double Power(double base, double exponent);
 [[noreturn]] void RaiseNotFinite(double value);
 
 // The value, when it is a finite number; else raises EInvalidOp (not-a-number) or EOverflow.
-inline double RequireFinite(double value) {
+VYN_IN_PLACE inline double RequireFinite(double value) {
     if (std::isfinite(value)) [[likely]]
         return value;
     RaiseNotFinite(value);
 }
 
-inline double Quotient(double a, double b) {
+VYN_IN_PLACE inline double Quotient(double a, double b) {
     if (b == 0) [[unlikely]] {
         if (a == 0 || std::isnan(a)) RaiseInvalidOperation();
         RaiseZeroDivide();
@@ -72,13 +72,13 @@ inline double Quotient(double a, double b) {
     return a / b;
 }
 
-inline double FourthPower(double a) {
+VYN_IN_PLACE inline double FourthPower(double a) {
     const double square = a * a;
     return square * square;
 }
 
 // By squaring.
-inline double WholePower(double base, int64_t exponent) {
+VYN_IN_PLACE inline double WholePower(double base, int64_t exponent) {
     uint64_t left = exponent < 0 ? 0 - static_cast<uint64_t>(exponent) : static_cast<uint64_t>(exponent);
     if (exponent < 0 && base == 0) [[unlikely]]
         RaiseZeroDivide();

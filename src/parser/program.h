@@ -5,6 +5,8 @@
 
 // Called inside the library alone: directly, not through its table of symbols.
 #define VYN_LOCAL [[gnu::visibility("hidden")]]
+// In each step of a program: a call would cost more than the work.
+#define VYN_IN_PLACE [[gnu::always_inline]]
 
 namespace vyn {
 
