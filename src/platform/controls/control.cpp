@@ -147,8 +147,10 @@ bool TControl::CanResize(int& newWidth, int& newHeight) {
 }
 
 void TControl::SetBounds(int left, int top, int width, int height) {
-    width = std::max(width, 0);
-    height = std::max(height, 0);
+    left = WithinExtent(left);
+    top = WithinExtent(top);
+    width = std::max(WithinExtent(width), 0);
+    height = std::max(WithinExtent(height), 0);
     if (left == left_ && top == top_ && width == width_ && height == height_) return;
     if (HasState(csLoading)) {
         left_ = left;
@@ -177,7 +179,8 @@ void TControl::SetBounds(int left, int top, int width, int height) {
 
 void TControl::SetClientSize(int width, int height) {
     const TRect client = ClientRect();
-    SetBounds(left_, top_, width_ - client.Width() + width, height_ - client.Height() + height);
+    SetBounds(left_, top_, width_ - client.Width() + WithinExtent(width),
+              height_ - client.Height() + WithinExtent(height));
 }
 
 void TControl::Resize() { OnResize(this); }

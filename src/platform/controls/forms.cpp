@@ -282,6 +282,8 @@ TRect TCustomForm::UnscrolledClientRect() const {
 TRect TCustomForm::ClientRect() const { return UnscrolledClientRect(); }
 
 void TCustomForm::SetClientSize(int width, int height) {
+    width = WithinExtent(width);
+    height = WithinExtent(height);
     if (HasState(csLoading)) {
         // Border and menu may still change it.
         const TRect client = ClientRect();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+
 namespace vyn {
 
 // Places and sizes in pixels. Right and bottom edges lie outside.
@@ -31,6 +33,11 @@ struct TRect {
 inline TPoint Point(int x, int y) { return {x, y}; }
 inline TRect Rect(int left, int top, int right, int bottom) { return {left, top, right, bottom}; }
 inline TRect Bounds(int left, int top, int width, int height) { return {left, top, left + width, top + height}; }
+
+// Controls lie within so many pixels and are no larger, whatever a stored form says: sums of a few such numbers are
+// numbers still.
+constexpr int MaximumExtent = 1 << 24;
+inline int WithinExtent(int pixels) { return std::clamp(pixels, -MaximumExtent, MaximumExtent); }
 
 // number * numerator / denominator, rounded to the nearest; 0 for a zero denominator.
 inline int MulDiv(int number, int numerator, int denominator) {

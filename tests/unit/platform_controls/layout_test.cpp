@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <climits>
+
 #include "control_support.h"
 #include "platform/controls/edits.h"
 #include "platform/controls/form_classes.h"
@@ -393,4 +395,19 @@ TEST_F(LayoutTest, StoredAnchorsKeepTheirEdgesWhenTheFormIsScaled) {
     const Resolution resolution(192);
     const std::unique_ptr<TForm> restored = Restored(std::string(bytes.Bytes()));
     EXPECT_EQ(ObjectCast<TControl>(restored->FindComponent("Right"))->Left(), 600);
+}
+
+TEST(Layout, PlacesAndSizesStayWithinTheirExtent) {
+    TForm form(nullptr);
+    TPanel panel(&form);
+    panel.SetParent(&form);
+    panel.SetBounds(INT_MIN, INT_MAX, INT_MAX, INT_MIN);
+    EXPECT_EQ(panel.Left(), -MaximumExtent);
+    EXPECT_EQ(panel.Top(), MaximumExtent);
+    EXPECT_EQ(panel.Width(), MaximumExtent);
+    EXPECT_EQ(panel.Height(), 0);
+    panel.SetClientSize(INT_MAX, INT_MAX);
+    EXPECT_EQ(panel.Width(), MaximumExtent);
+    form.SetClientSize(INT_MAX, INT_MAX);
+    EXPECT_EQ(form.Height(), MaximumExtent);
 }
