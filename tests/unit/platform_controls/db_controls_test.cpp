@@ -334,6 +334,7 @@ TEST_F(DataControls, ARadioGroupStandsForValues) {
     group->OnChange = [&](TObject*) { ++changes; };
     group->Buttons(0)->ProcessPress();
     EXPECT_EQ(changes, 1);
+    group->OnChange = nullptr;  // the group outlives this test's counter
     EXPECT_EQ(data.State(), dsEdit);
     data.UpdateRecord();
     EXPECT_EQ(Name(), "Soler");
