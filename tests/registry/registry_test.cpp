@@ -1,11 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <climits>
 #include <fstream>
 #include <map>
 #include <set>
 
 #include "app/Utvynapp.h"
+#include "events/Ueventsvyn.h"
 #include "package/package.h"
 #include "persistence/Uvynclss.h"
 #include "platform/objects/component_handle.h"
@@ -262,6 +264,40 @@ TEST_F(Registry, ChangedComponentsSurviveWriteReadWrite) {
         }
     });
     ExpectAllUsed(kReadAsOthers, used);
+}
+
+// Rules are stored data, and set any property of any component.
+TEST_F(Registry, NoPropertyIsHarmedByWhatARuleSets) {
+    const Variant values[] = {Variant(0),
+                              Variant(-1),
+                              Variant(1),
+                              Variant(1000000),
+                              Variant(INT_MAX),
+                              Variant(INT_MIN),
+                              Variant(""),
+                              Variant(AnsiString(70000, '9')),
+                              Variant("\xFF\x01'\"\r\n"),
+                              Variant::Null()};
+    int taken = 0;
+    ForEach([&](TClass each) {
+        for (const AnsiString& path : SettablePaths(each)) {
+            if (path.find('.') != AnsiString::npos) continue;  // rules set what a component itself publishes
+            for (const Variant& value : values) {
+                OnForm place(each);
+                TEventsVyn rules(&place.Root());
+                try {
+                    rules.ExecutaCodiDesti(nullptr, {tdcPropietat, place.Component().Name() + "." + path}, value);
+                    ++taken;
+                    Variant now;
+                    rules.CapturaValorOrigen(nullptr, {tdcPropietat, place.Component().Name() + "." + path}, now);
+                    Written(place.Root());
+                } catch (const Exception&) {
+                    // Refused: fine.
+                }
+            }
+        }
+    });
+    EXPECT_GT(taken, 1000);
 }
 
 TEST_F(Registry, ThePaletteRegistersEveryLinkedClassInItsOrder) {
