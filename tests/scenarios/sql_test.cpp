@@ -96,6 +96,13 @@ TEST_F(Sql, WithoutParametersTheDefaultsStand) {
     EXPECT_THAT(Of(FormWith(kClients)).Output, testing::HasSubstr("\nWHERE POBLACIO =  AND ALTA > DATA\n"));
 }
 
+TEST_F(Sql, WhatIsGivenCountsMoreThanWhatTheScreenSets) {
+    // The screen's own rule puts the year of its edit box there when it opens.
+    const Ended printed = Vyn({"sql", VYN_SAMPLE, "18", "ANY=2025"});
+    EXPECT_EQ(printed.ExitStatus, 0);
+    EXPECT_NE(printed.Output.find("LIKE '2025' || '%'"), std::string::npos) << printed.Output;
+}
+
 TEST_F(Sql, OfAFormWithoutQueriesIsNothing) {
     const std::string file = FormWith("");
     EXPECT_EQ(Of(file).Output, "");

@@ -47,8 +47,11 @@ std::string Text(const Json& statements) {
 
 int SqlCommand(const SqlOptions& options) {
     Session session(options.Application);
+    // Before, for what the screen does when it opens; and after that, for what is given here counts.
     AddNamedValues(options.Values, *Parametres());
-    const Json statements = sql_detail::Statements(session.OpenUnguarded(options.Application.Node));
+    TComponent& opened = session.OpenUnguarded(options.Application.Node);
+    AddNamedValues(options.Values, *Parametres());
+    const Json statements = sql_detail::Statements(opened);
     std::cout << (options.Json ? statements.dump(2) + "\n" : sql_detail::Text(statements)) << std::flush;
     if (!std::cout) throw EWriteError("Standard output cannot be written");
     return 0;
