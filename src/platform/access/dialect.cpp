@@ -4,6 +4,7 @@
 
 #include "platform/access/sql_tokens.h"
 #include "platform/text/compare.h"
+#include "platform/text/date_literal.h"
 #include "platform/text/exceptions.h"
 #include "platform/text/format_settings.h"
 

@@ -11,8 +11,10 @@ namespace vyn {
 
 namespace data_set_detail {
 
-// Rows fetched at a time when somebody asks for one more.
+// Rows fetched at a time when somebody asks for one more: few at first, and more the further one reads.
 constexpr int64_t kFetchStep = 256;
+constexpr int64_t kLargestFetchStep = 8192;
+constexpr int64_t kFetchedPerStep = 4;
 constexpr int64_t kEverything = INT64_MAX;
 constexpr char kClosed[] = "Cannot perform this operation on a closed dataset";
 
@@ -87,10 +89,12 @@ void TDataSet::DoOpen() {
         definitions_ = InternalOpen();
         StartRows();
         BindFields();
+        CompileFilter();
         state_ = dsBrowse;
         RebuildView();
         FetchTo(1);
     } catch (...) {
+        compiledFilter_.reset();
         InternalClose();
         FreeOwnFields();
         for (TField* field : fields_) field->Unbind();
@@ -114,6 +118,7 @@ void TDataSet::DoClose() {
     StopEditing();
     state_ = dsInactive;
     InternalClose();
+    compiledFilter_.reset();
     FreeOwnFields();
     for (TField* field : fields_) field->Unbind();
     rows_.reset();
@@ -137,8 +142,10 @@ void TDataSet::Requery() {
         definitions_ = std::move(definitions);
         StartRows();
         if (!same) {
+            compiledFilter_.reset();
             FreeOwnFields();
             BindFields();
+            CompileFilter();
         }
         state_ = dsBrowse;
         RebuildView();
@@ -242,7 +249,9 @@ int64_t TDataSet::FetchTo(int64_t count) {
     if (!rows_) return 0;
     while (!allFetched_ && RecordsFetched() < count) {
         const int64_t from = rows_->Count();
-        const int64_t missing = std::max(count - RecordsFetched(), data_set_detail::kFetchStep);
+        const int64_t step = std::clamp(from / data_set_detail::kFetchedPerStep, data_set_detail::kFetchStep,
+                                        data_set_detail::kLargestFetchStep);
+        const int64_t missing = std::max(count - RecordsFetched(), step);
         if (!InternalFetch(*rows_, missing)) allFetched_ = true;
         if (viewed_) ExtendView(from);
     }

@@ -6,6 +6,7 @@
 
 #include "platform/data/data_source.h"
 #include "platform/data/fields.h"
+#include "platform/data/row_expression.h"
 #include "platform/data/row_store.h"
 #include "platform/text/exceptions.h"
 
@@ -96,9 +97,20 @@ class TDataSet : public TComponent {
     // Raises EDatabaseError "Record not found" for a record that is gone.
     void GotoBookmark(TBookmark bookmark);
 
-    // Which records are shown: those that OnFilterRecord takes, while Filtered is set.
+    // Which records are shown: those for which Filter (row_expression.h) is true and that OnFilterRecord takes, while
+    // Filtered is set. An expression that is wrong raises EDatabaseError when it is set to an open dataset, or it
+    // opens.
     bool Filtered() const { return filtered_; }
     void SetFiltered(bool value);
+    const AnsiString& Filter() const { return filter_; }
+    void SetFilter(const AnsiString& value);
+    TFilterOptions FilterOptions() const { return filterOptions_; }
+    void SetFilterOptions(TFilterOptions value);
+    // Go to a record that the filter takes, also while all are shown; say whether there was one.
+    bool FindFirst() { return Find(0, 1); }
+    bool FindNext() { return Find(current_ + 1, 1); }
+    bool FindPrior() { return Find(current_ - 1, -1); }
+    bool FindLast() { return Find(RecordCount() - 1, -1); }
     // In which order: names of fields, separated by commas, each perhaps followed by ASC or DESC; empty: as they come.
     const AnsiString& Sort() const { return sort_; }
     void SetSort(const AnsiString& value);
@@ -120,6 +132,10 @@ class TDataSet : public TComponent {
     void UpdateRecord();
     // Clears every field of the record being edited.
     void ClearFields();
+    // A whole record at once: the values go to the fields in their order; Empty leaves a field as it is.
+    void AppendRecord(const std::vector<Variant>& values);
+    void InsertRecord(const std::vector<Variant>& values);
+    void SetFields(const std::vector<Variant>& values);
 
     // Fields.
     int FieldCount() const { return static_cast<int>(fields_.size()); }
@@ -202,6 +218,11 @@ class TDataSet : public TComponent {
     Cell CalculatedCell(int64_t row, const TField& field);
     void Calculate(int64_t row);
     bool Accepts(int64_t row);
+    void CompileFilter();
+    bool Find(int64_t from, int64_t step);
+    void SetDefaults();
+    void CheckConstraints();
+    RowExpression ExpressionOf(const AnsiString& text);
     bool HasView() const { return viewed_; }
     void RebuildView();
     void ExtendView(int64_t from);
@@ -221,6 +242,9 @@ class TDataSet : public TComponent {
     bool viewed_ = false;
     std::vector<int64_t> view_;
     bool filtered_ = false;
+    AnsiString filter_;
+    TFilterOptions filterOptions_;
+    std::unique_ptr<RowExpression> compiledFilter_;
     AnsiString sort_;
     // The record being edited.
     Record edited_;

@@ -121,6 +121,7 @@ void TDataSet::BeginInsert(int64_t at) {
     state_ = dsInsert;
     bof_ = eof_ = false;
     try {
+        SetDefaults();
         InternalNewRecord();
         OnNewRecord(this);
     } catch (...) {
@@ -133,6 +134,46 @@ void TDataSet::BeginInsert(int64_t at) {
     Announce(DataEvent::RecordsChanged);
     AfterInsert(this);
     AfterScroll(this);
+}
+
+void TDataSet::SetDefaults() {
+    for (TField* field : std::vector<TField*>(fields_))
+        if (!field->DefaultExpression.empty() && field->CanModify())
+            field->SetValue(RowExpression(field->DefaultExpression, nullptr).Value());
+}
+
+void TDataSet::CheckConstraints() {
+    for (const TField* field : fields_) {
+        if (field->CustomConstraint.empty() || field->IsNull()) continue;
+        // The field's own value goes by any name that is no field's.
+        const RowExpression rule(field->CustomConstraint, [&](const AnsiString& name) {
+            const TField* named = FindField(name);
+            return named ? named : field;
+        });
+        if (rule.IsTrue()) continue;
+        DatabaseError(field->ConstraintErrorMessage.empty()
+                          ? "Field '" + field->DisplayLabel() + "' must satisfy: " + field->CustomConstraint
+                          : field->ConstraintErrorMessage);
+    }
+}
+
+void TDataSet::SetFields(const std::vector<Variant>& values) {
+    if (!IsEditing()) DatabaseError("Dataset not in edit or insert mode");
+    if (values.size() > fields_.size()) DatabaseError("Too many field values");
+    for (size_t i = 0; i < values.size(); ++i)
+        if (!values[i].IsEmpty()) fields_[i]->SetValue(values[i]);
+}
+
+void TDataSet::AppendRecord(const std::vector<Variant>& values) {
+    Append();
+    SetFields(values);
+    Post();
+}
+
+void TDataSet::InsertRecord(const std::vector<Variant>& values) {
+    Insert();
+    SetFields(values);
+    Post();
 }
 
 void TDataSet::PutField(TField& field, Cell cell) {
@@ -201,6 +242,7 @@ void TDataSet::Post() {
     CheckActive();
     if (!IsEditing()) return;
     CheckRequired();
+    CheckConstraints();
     WithErrorEvent(OnPostError, [&] { WriteCurrent(); });
     state_ = dsBrowse;
     StopEditing();

@@ -145,6 +145,55 @@ void TDataSet::SetFiltered(bool value) {
     Announce(DataEvent::RecordsChanged);
 }
 
+void TDataSet::SetFilter(const AnsiString& value) {
+    if (value == filter_) return;
+    if (Active()) CheckBrowseMode();
+    const AnsiString before = filter_;
+    filter_ = value;
+    if (!Active()) return;
+    try {
+        CompileFilter();
+    } catch (...) {
+        filter_ = before;
+        throw;
+    }
+    if (!filtered_) return;
+    RebuildView();
+    Announce(DataEvent::RecordsChanged);
+}
+
+void TDataSet::SetFilterOptions(TFilterOptions value) {
+    if (value == filterOptions_) return;
+    if (Active()) CheckBrowseMode();
+    filterOptions_ = value;
+    if (!Active()) return;
+    CompileFilter();
+    if (!filtered_) return;
+    RebuildView();
+    Announce(DataEvent::RecordsChanged);
+}
+
+RowExpression TDataSet::ExpressionOf(const AnsiString& text) {
+    return RowExpression(
+        text, [this](const AnsiString& name) { return FindField(name); }, filterOptions_);
+}
+
+void TDataSet::CompileFilter() {
+    compiledFilter_.reset();
+    if (!Trim(filter_).empty()) compiledFilter_ = std::make_unique<RowExpression>(ExpressionOf(filter_));
+}
+
+bool TDataSet::Find(int64_t from, int64_t step) {
+    CheckBrowseMode();
+    for (int64_t record = from; record >= 0 && record < FetchTo(record + 1); record += step) {
+        if (!Accepts(RowOf(record))) continue;
+        bof_ = eof_ = false;
+        MoveTo(record);
+        return true;
+    }
+    return false;
+}
+
 void TDataSet::SetSort(const AnsiString& value) {
     if (value == sort_) return;
     const AnsiString before = sort_;
@@ -163,6 +212,7 @@ void TDataSet::SetSort(const AnsiString& value) {
 bool TDataSet::Accepts(int64_t row) {
     bool accept = true;
     const RowInFocus focus(*this, row, dsFilter);
+    if (compiledFilter_ && !compiledFilter_->IsTrue()) return false;
     OnFilterRecord(this, accept);
     return accept;
 }
@@ -252,9 +302,7 @@ void TDataSet::Calculate(int64_t row) {
             std::vector<Variant> values;
             for (const AnsiString& name : data_set_search_detail::SplitNames(field->KeyFields, ';'))
                 values.push_back(FieldByName(name)->Value());
-            const Variant found =
-                field->LookupDataSet()->Lookup(field->LookupKeyFields, values, field->LookupResultField);
-            calculated_.emplace_back(field, CellOf(found, field->DataType()));
+            calculated_.emplace_back(field, CellOf(field->LookedUp(values), field->DataType()));
         }
         OnCalcFields(this);
     } catch (...) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include "platform/data/fields.h"
 
 namespace vyn {
@@ -144,13 +146,24 @@ class TTimeField : public TDateTimeField {
     explicit TTimeField(TComponent* owner) : TDateTimeField(owner, ftTime) {}
 };
 
-// Long values: bytes, texts, pictures.
+class TStream;
+class TMemoryStream;
+
+// Long values: bytes, texts, pictures. Texts are streamed as Windows-1252.
 class TBlobField : public TField {
     VYN_OBJECT
   public:
     explicit TBlobField(TComponent* owner) : TField(owner, ftBlob) {}
     TFieldType BlobType() const { return DataType(); }
     void SetBlobType(TFieldType type) { SetDataType(type); }
+    int64_t BlobSize() const;
+    // From where the stream stands to its end, and all of it. Raise what streams and files raise.
+    void LoadFromStream(TStream& stream);
+    void SaveToStream(TStream& stream) const;
+    void LoadFromFile(const AnsiString& fileName);
+    void SaveToFile(const AnsiString& fileName) const;
+    // The value, to be read.
+    std::unique_ptr<TMemoryStream> CreateBlobStream() const;
 
   protected:
     using TField::TField;

@@ -45,8 +45,7 @@ void TField::CheckSize(const Cell& cell) const {
 
 void TField::SetCell(Cell cell) {
     TDataSet& data = OpenDataSet();
-    const bool isOwn = kind_ == fkCalculated || kind_ == fkLookup;
-    if (data.calculating_ && isOwn) {
+    if (data.calculating_ && IsCalculated()) {
         data.PutField(*this, std::move(cell));
         return;
     }

@@ -1,11 +1,13 @@
 #include "platform/data/fields.h"
 
 #include <algorithm>
+#include <unordered_map>
 
 #include "platform/data/data_set_focus.h"
 #include "platform/text/compare.h"
 #include "platform/text/edit_mask.h"
 #include "platform/text/exceptions.h"
+#include "platform/text/numbers.h"
 #include "platform/text/windows1252.h"
 
 namespace vyn {
@@ -207,7 +209,7 @@ int64_t TField::CurrentRow() const { return OpenDataSet().ActiveRow(); }
 
 Cell TField::CellIn(int64_t row) const {
     if (row < 0 || row >= dataSet_->Rows().Count()) return Cell();
-    if (kind_ == fkCalculated || kind_ == fkLookup) return dataSet_->CalculatedCell(row, *this);
+    if (IsCalculated()) return dataSet_->CalculatedCell(row, *this);
     if (column_ < 0) return Cell();
     if (const Cell* edited = dataSet_->EditedCell(row, column_)) return *edited;
     return dataSet_->Rows().CellAt(row, column_);
@@ -218,6 +220,57 @@ bool TField::IsNullInRow(int64_t row) const {
         !dataSet_->EditedCell(row, column_))
         return dataSet_->Rows().IsNull(row, column_);
     return CellIn(row).IsNull();
+}
+
+// The other dataset's results by their keys, as texts.
+struct TField::LookupList {
+    const TDataSet* source = nullptr;
+    int opening = 0;
+    AnsiString keys, result;
+    std::unordered_map<std::string, Variant> values;
+};
+
+void TField::RefreshLookupList() { lookupList_.reset(); }
+
+Variant TField::LookedUp(const std::vector<Variant>& keys) const {
+    TDataSet& source = *lookupDataSet_;
+    if (!LookupCache) return source.Lookup(LookupKeyFields, keys, LookupResultField);
+    const auto keyOf = [](const std::vector<Variant>& values) {
+        std::string key;
+        for (const Variant& value : values) {
+            const AnsiString text = value.Type() == varDate
+                                        ? FloatToStr(value.AsDateTime().Val, InvariantFormatSettings())
+                                        : VarToStr(value);
+            key += (value.IsNull() ? "-" : "+" + std::to_string(text.size()) + ":") + text;
+        }
+        return key;
+    };
+    const bool stale = !lookupList_ || lookupList_->source != &source || lookupList_->opening != source.opening_ ||
+                       lookupList_->keys != LookupKeyFields || lookupList_->result != LookupResultField;
+    if (stale) {
+        auto list = std::make_shared<LookupList>();
+        list->source = &source;
+        list->opening = source.opening_;
+        list->keys = LookupKeyFields;
+        list->result = LookupResultField;
+        std::vector<const TField*> keyFields;
+        for (size_t at = 0; at <= LookupKeyFields.size();) {
+            const size_t end = std::min(LookupKeyFields.find(';', at), LookupKeyFields.size());
+            const AnsiString name = Trim(LookupKeyFields.substr(at, end - at));
+            if (!name.empty()) keyFields.push_back(source.FieldByName(name));
+            at = end + 1;
+        }
+        const TField* result = source.FieldByName(LookupResultField);
+        for (int64_t record = 0; record < source.FetchTo(record + 1); ++record) {
+            std::vector<Variant> values;
+            for (const TField* field : keyFields) values.push_back(field->ValueIn(record));
+            // The first one counts.
+            list->values.emplace(keyOf(values), result->ValueIn(record));
+        }
+        lookupList_ = std::move(list);
+    }
+    const auto found = lookupList_->values.find(keyOf(keys));
+    return found == lookupList_->values.end() ? Variant::Null() : found->second;
 }
 
 bool TField::IsNull() const { return IsNullInRow(CurrentRow()); }

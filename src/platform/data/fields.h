@@ -17,7 +17,7 @@ enum class TFieldKind {
     fkData,          // a column
     fkCalculated,    // the dataset's OnCalcFields
     fkLookup,        // the record of another dataset
-    fkInternalCalc,  // the engine, computed
+    fkInternalCalc,  // as fkCalculated
 };
 using enum TFieldKind;
 const EnumType& TypeInfoOf(TypeTag<TFieldKind>);
@@ -122,8 +122,11 @@ class TField : public TComponent {
     // Rules.
     bool ReadOnly = false;
     bool Required = false;
-    AnsiString ConstraintErrorMessage;
+    // What a record must satisfy to be posted (row_expression.h; a name that no field has means this field's value),
+    // and what is said when it does not. Nothing satisfies everything.
     AnsiString CustomConstraint;
+    AnsiString ConstraintErrorMessage;
+    // The value in a new record: a constant, or NOW, DATE, TIME with parentheses.
     AnsiString DefaultExpression;
     AnsiString Origin;
 
@@ -134,7 +137,10 @@ class TField : public TComponent {
     AnsiString KeyFields;
     AnsiString LookupKeyFields;
     AnsiString LookupResultField;
+    // Whether the other dataset's records are read once, and found by their keys from then on.
     bool LookupCache = false;
+    // Reads them again.
+    void RefreshLookupList();
     TDataSet* LookupDataSet() const { return lookupDataSet_; }
     void SetLookupDataSet(TDataSet* value);
 
@@ -174,6 +180,8 @@ class TField : public TComponent {
     void SetCell(Cell cell);
     Cell CellOfText(const AnsiString& text) const;
     void CheckSize(const Cell& cell) const;
+    bool IsCalculated() const { return kind_ != fkData; }
+    Variant LookedUp(const std::vector<Variant>& keys) const;
     void LayoutChanged();
 
     TDataSet* dataSet_ = nullptr;
@@ -190,6 +198,8 @@ class TField : public TComponent {
     AnsiString displayFormat_;
     AnsiString editFormat_;
     AnsiString editMask_;
+    struct LookupList;
+    mutable std::shared_ptr<LookupList> lookupList_;
     int displayWidth_ = 0;
     bool visible_ = true;
     bool currency_ = false;
