@@ -11,14 +11,6 @@ constexpr size_t kBlockSize = 256 * 1024;
 constexpr int kBitsPerByte = 8;
 constexpr unsigned char kMore = 0x80;  // another byte of the number follows
 
-void PutVariable(std::vector<unsigned char>& bytes, uint64_t value) {
-    while (value >= kMore) {
-        bytes.push_back(static_cast<unsigned char>(value) | kMore);
-        value >>= 7;
-    }
-    bytes.push_back(static_cast<unsigned char>(value));
-}
-
 uint64_t TakeVariable(const unsigned char*& at) {
     uint64_t value = 0;
     for (int shift = 0;; shift += 7) {
@@ -34,49 +26,21 @@ RowStore::RowStore(std::vector<ColumnKind> columns)
     : columns_(std::move(columns)),
       bitmapBytes_((columns_.size() + row_store_detail::kBitsPerByte - 1) / row_store_detail::kBitsPerByte) {}
 
-void RowStore::BeginRow() {
-    building_.assign(bitmapBytes_, 0);
-    column_ = 0;
-}
-
-void RowStore::PutNull() {
-    building_[static_cast<size_t>(column_) / 8] |= static_cast<unsigned char>(1u << (column_ % 8));
-    ++column_;
-}
-
-void RowStore::PutInteger(int64_t value) {
-    // Small numbers of either sign take few bytes.
-    const auto folded = (static_cast<uint64_t>(value) << 1) ^ static_cast<uint64_t>(value >> 63);
-    row_store_detail::PutVariable(building_, folded);
-    ++column_;
-}
-
-void RowStore::PutReal(double value) {
-    unsigned char bytes[sizeof value];
-    std::memcpy(bytes, &value, sizeof value);
-    building_.insert(building_.end(), bytes, bytes + sizeof value);
-    ++column_;
-}
-
-void RowStore::PutBytes(std::string_view bytes) {
-    row_store_detail::PutVariable(building_, bytes.size());
-    building_.insert(building_.end(), bytes.begin(), bytes.end());
-    ++column_;
+void RowStore::MakeRoom(size_t bytes) {
+    const size_t had = at_ > begin_ ? static_cast<size_t>(at_ - begin_) : 0;
+    const size_t block = std::max(had + bytes, row_store_detail::kBlockSize);
+    blocks_.push_back(std::unique_ptr<unsigned char[]>(new unsigned char[block]));
+    unsigned char* made = blocks_.back().get();
+    if (had > 0) std::memcpy(made, begin_, had);
+    begin_ = made;
+    at_ = made + had;
+    limit_ = made + block;
+    used_ += block;
 }
 
 const unsigned char* RowStore::Keep() {
-    const size_t size = building_.size();
-    if (size > blockLeft_) {
-        const size_t block = std::max(size, row_store_detail::kBlockSize);
-        blocks_.push_back(std::unique_ptr<unsigned char[]>(new unsigned char[block]));
-        blockAt_ = blocks_.back().get();
-        blockLeft_ = block;
-        used_ += block;
-    }
-    unsigned char* kept = blockAt_;
-    std::memcpy(kept, building_.data(), size);
-    blockAt_ += size;
-    blockLeft_ -= size;
+    const unsigned char* kept = begin_;
+    begin_ = at_;
     return kept;
 }
 
@@ -217,8 +181,8 @@ void RowStore::Clear() {
     numbered_ = false;
     nextIdentity_ = 0;
     blocks_.clear();
-    blockLeft_ = used_ = 0;
-    blockAt_ = nullptr;
+    used_ = 0;
+    begin_ = at_ = limit_ = nullptr;
 }
 
 }  // namespace vyn

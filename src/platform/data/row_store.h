@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string_view>
 #include <vector>
@@ -19,11 +21,36 @@ class RowStore {
     explicit RowStore(std::vector<ColumnKind> columns);
 
     // A row is put column by column, in order, between BeginRow and EndRow.
-    void BeginRow();
-    void PutNull();
-    void PutInteger(int64_t value);
-    void PutReal(double value);
-    void PutBytes(std::string_view bytes);
+    void BeginRow() {
+        at_ = begin_;  // what was not ended is forgotten
+        if (limit_ - begin_ <= static_cast<ptrdiff_t>(bitmapBytes_)) MakeRoom(bitmapBytes_ + 1);
+        std::memset(begin_, 0, bitmapBytes_);
+        at_ = begin_ + bitmapBytes_;
+        column_ = 0;
+    }
+    void PutNull() {
+        begin_[column_ / 8] |= static_cast<unsigned char>(1u << (column_ % 8));
+        ++column_;
+    }
+    void PutInteger(int64_t value) {
+        // Small numbers of either sign take few bytes.
+        Need(kLongestNumber);
+        PutVariable((static_cast<uint64_t>(value) << 1) ^ static_cast<uint64_t>(value >> 63));
+        ++column_;
+    }
+    void PutReal(double value) {
+        Need(sizeof value);
+        std::memcpy(at_, &value, sizeof value);
+        at_ += sizeof value;
+        ++column_;
+    }
+    void PutBytes(std::string_view bytes) {
+        Need(kLongestNumber + bytes.size());
+        PutVariable(bytes.size());
+        if (!bytes.empty()) std::memcpy(at_, bytes.data(), bytes.size());
+        at_ += bytes.size();
+        ++column_;
+    }
     void EndRow();
     // A whole row; cells that do not fit their column's kind are nulls.
     void Append(const Record& record);
@@ -52,21 +79,37 @@ class RowStore {
   private:
     const unsigned char* ValueAt(int64_t row, int column) const;
     const unsigned char* Keep();
+    // For the row being put, in a block that has so many bytes more.
+    void MakeRoom(size_t bytes);
+    void Need(size_t bytes) {
+        if (limit_ - at_ < static_cast<ptrdiff_t>(bytes)) MakeRoom(bytes);
+    }
+    void PutVariable(uint64_t value) {
+        while (value >= kMore) {
+            *at_++ = static_cast<unsigned char>(value) | kMore;
+            value >>= 7;
+        }
+        *at_++ = static_cast<unsigned char>(value);
+    }
     void Build(const Record& record);
     void NumberRows();
+
+    static constexpr unsigned char kMore = 0x80;  // another byte of the number follows
+    static constexpr size_t kLongestNumber = 10;
 
     std::vector<ColumnKind> columns_;
     size_t bitmapBytes_;
     std::vector<std::unique_ptr<unsigned char[]>> blocks_;
-    size_t blockLeft_ = 0;
-    unsigned char* blockAt_ = nullptr;
+    // The row being put: where it begins in the last block, how far it is, and where the block ends.
+    unsigned char* begin_ = nullptr;
+    unsigned char* at_ = nullptr;
+    unsigned char* limit_ = nullptr;
     size_t used_ = 0;
     std::vector<const unsigned char*> rows_;
     // Kept from the first insertion or removal on; before, a row's identity is its number.
     std::vector<int64_t> identities_;
     bool numbered_ = false;
     int64_t nextIdentity_ = 0;
-    std::vector<unsigned char> building_;
     int column_ = 0;
 };
 

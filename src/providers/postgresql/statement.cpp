@@ -8,6 +8,7 @@
 
 namespace vyn::postgresql_provider {
 
+constexpr int64_t kLargestPart = 10000;
 constexpr char kStatementFailed[] = "The statement failed";
 // What the server calls its errors (SQLSTATE).
 constexpr char kUndefinedTable[] = "42P01", kUndefinedColumn[] = "42703", kUnknownType[] = "42P18",
@@ -224,10 +225,15 @@ class PostgresqlStatement final : public ProviderStatement {
         return false;
     }
 
-    // Rows come one by one while the server still makes the next.
+    // In parts that the server holds in memory while it sends them.
     bool FetchFromCursor(RowStore& rows, int64_t count) {
-        const bool all = count > INT32_MAX;
-        const std::string fetch = "FETCH " + (all ? std::string("ALL") : std::to_string(count)) + " FROM " + cursor_;
+        for (; count > kLargestPart; count -= kLargestPart)
+            if (!FetchPart(rows, kLargestPart)) return false;
+        return FetchPart(rows, count);
+    }
+
+    bool FetchPart(RowStore& rows, int64_t count) {
+        const std::string fetch = "FETCH " + std::to_string(count) + " FROM " + cursor_;
         int64_t got = 0;
         std::exception_ptr raised;
         try {
@@ -237,7 +243,7 @@ class PostgresqlStatement final : public ProviderStatement {
             throw;
         }
         if (raised) std::rethrow_exception(raised);
-        if (!all && got == count) return true;
+        if (got == count) return true;
         done_ = true;
         CloseCursor();
         return false;

@@ -27,7 +27,9 @@ class SqliteConnection final : public ProviderConnection {
         const AnsiString file = settings.Value("Data Source", kInMemory);
         const bool inMemory = file.empty() || file == kInMemory;
         readOnly_ = SameText(settings.Value("Mode"), "ReadOnly") || SameText(settings.Value("Mode"), "Read");
-        const int flags = readOnly_ ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
+        // One thread uses a connection: the engine need not lock it at each step.
+        const int flags =
+            SQLITE_OPEN_NOMUTEX | (readOnly_ ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
         sqlite3* opened = nullptr;
         const int result =
             sqlite3_open_v2(inMemory ? kInMemory : SystemFileName(file).c_str(), &opened, flags, nullptr);

@@ -47,6 +47,7 @@ class SqliteStatement final : public ProviderStatement {
 
     void ExpectColumns(std::vector<FieldDefinition> columns) override {
         columns_ = std::move(columns);
+        readings_.clear();
         columnsKnown_ = true;
     }
 
@@ -189,47 +190,69 @@ class SqliteStatement final : public ProviderStatement {
         }
     }
 
-    std::string_view TextAt(int column) {
-        const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement_.get(), column));
-        return text ? std::string_view(text, static_cast<size_t>(sqlite3_column_bytes(statement_.get(), column)))
-                    : std::string_view();
+    // How a column's values are read.
+    enum class Reading { Integer, Boolean, Amount, Real, Date, Text, Bytes };
+    static Reading ReadingOf(TFieldType type) {
+        if (type == ftBoolean) return Reading::Boolean;
+        if (type == ftCurrency || type == ftBCD) return Reading::Amount;
+        switch (ColumnKindOf(type)) {
+            case ColumnKind::Integer:
+                return Reading::Integer;
+            case ColumnKind::Real:
+                return type == ftFloat ? Reading::Real : Reading::Date;
+            case ColumnKind::Text:
+                return Reading::Text;
+            case ColumnKind::Bytes:
+                return Reading::Bytes;
+        }
+        return Reading::Text;
+    }
+
+    static std::string_view TextOf(sqlite3_value* value) {
+        const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
+        return text ? std::string_view(text, static_cast<size_t>(sqlite3_value_bytes(value))) : std::string_view();
     }
 
     void PutRow(RowStore& rows) {
+        if (readings_.size() != columns_.size()) {
+            readings_.clear();
+            for (const FieldDefinition& each : columns_) readings_.push_back(ReadingOf(each.DataType));
+        }
         rows.BeginRow();
-        for (size_t i = 0; i < columns_.size(); ++i) PutValue(rows, static_cast<int>(i));
+        sqlite3_stmt* statement = statement_.get();
+        for (size_t i = 0; i < readings_.size(); ++i)
+            PutValue(rows, sqlite3_column_value(statement, static_cast<int>(i)), readings_[i]);
         rows.EndRow();
     }
 
-    void PutValue(RowStore& rows, int column) {
-        sqlite3_stmt* statement = statement_.get();
-        const TFieldType type = columns_[static_cast<size_t>(column)].DataType;
-        const int held = sqlite3_column_type(statement, column);
+    static void PutValue(RowStore& rows, sqlite3_value* value, Reading reading) {
+        const int held = sqlite3_value_type(value);
         if (held == SQLITE_NULL) {
             rows.PutNull();
             return;
         }
-        switch (ColumnKindOf(type)) {
-            case ColumnKind::Integer:
-                if (type == ftCurrency || type == ftBCD)
-                    PutScaled(rows, column, held);
-                else if (type == ftBoolean && held == SQLITE_TEXT)
-                    rows.PutInteger(IsWordForTrue(TextAt(column)));
-                else
-                    rows.PutInteger(sqlite3_column_int64(statement, column));
+        switch (reading) {
+            case Reading::Integer:
+                rows.PutInteger(sqlite3_value_int64(value));
                 return;
-            case ColumnKind::Real:
-                if (type == ftFloat)
-                    rows.PutReal(sqlite3_column_double(statement, column));
-                else
-                    PutDate(rows, column, held);
+            case Reading::Boolean:
+                rows.PutInteger(held == SQLITE_TEXT ? IsWordForTrue(TextOf(value)) : sqlite3_value_int64(value));
                 return;
-            case ColumnKind::Text:
-                rows.PutBytes(TextAt(column));
+            case Reading::Amount:
+                PutAmount(rows, value, held);
                 return;
-            case ColumnKind::Bytes: {
-                const auto* bytes = static_cast<const char*>(sqlite3_column_blob(statement, column));
-                const auto size = static_cast<size_t>(sqlite3_column_bytes(statement, column));
+            case Reading::Real:
+                rows.PutReal(sqlite3_value_double(value));
+                return;
+            case Reading::Date:
+                PutDate(rows, value, held);
+                return;
+            case Reading::Text:
+                rows.PutBytes(TextOf(value));
+                return;
+            case Reading::Bytes: {
+                const auto* bytes = static_cast<const char*>(sqlite3_value_blob(value));
+                const auto size = static_cast<size_t>(sqlite3_value_bytes(value));
                 rows.PutBytes(bytes ? std::string_view(bytes, size) : std::string_view());
                 return;
             }
@@ -242,22 +265,48 @@ class SqliteStatement final : public ProviderStatement {
     }
 
     // Money is kept in ten-thousandths; the engine holds it as a number or as text.
-    void PutScaled(RowStore& rows, int column, int held) {
+    static void PutAmount(RowStore& rows, sqlite3_value* value, int held) {
         if (held == SQLITE_INTEGER) {
-            rows.PutInteger(Currency(sqlite3_column_int64(statement_.get(), column)).Val);
+            rows.PutInteger(Currency(static_cast<int64_t>(sqlite3_value_int64(value))).Val);
             return;
         }
         Currency amount;
-        if (held == SQLITE_TEXT && TryStrToCurr(TextAt(column), amount, InvariantFormatSettings()))
+        if (held == SQLITE_TEXT && TryStrToCurr(TextOf(value), amount, InvariantFormatSettings())) {
             rows.PutInteger(amount.Val);
+            return;
+        }
+        const double number = sqlite3_value_double(value);
+        // Nearly all are decimals of four places, as near as the engine keeps them.
+        const double scaled = std::nearbyint(number * Currency::kScale);
+        constexpr double kExact = 9007199254740992.0;  // 2 to the 53rd
+        if (std::fabs(scaled) < kExact && scaled / Currency::kScale == number)
+            rows.PutInteger(static_cast<int64_t>(scaled));
         else
-            rows.PutInteger(Currency(sqlite3_column_double(statement_.get(), column)).Val);
+            rows.PutInteger(Currency(number).Val);
     }
 
-    void PutDate(RowStore& rows, int column, int held) {
+    // "2001-03-09" at the text's beginning.
+    static bool ReadDay(std::string_view text, double& days) {
+        const auto digit = [&](size_t at) { return static_cast<unsigned>(text[at]) - '0'; };
+        if (text[4] != '-' || text[7] != '-') return false;
+        for (size_t at : {0, 1, 2, 3, 5, 6, 8, 9})
+            if (digit(at) > 9) return false;
+        const unsigned year = digit(0) * 1000 + digit(1) * 100 + digit(2) * 10 + digit(3);
+        return TryEncodeDate(static_cast<int>(year), static_cast<int>(digit(5) * 10 + digit(6)),
+                             static_cast<int>(digit(8) * 10 + digit(9)), days);
+    }
+
+    static void PutDate(RowStore& rows, sqlite3_value* value, int held) {
         if (held == SQLITE_TEXT) {
+            constexpr size_t kDayAlone = 10;
+            const std::string_view whole = TextOf(value);
+            double days = 0;
+            if (whole.size() == kDayAlone && ReadDay(whole, days)) {
+                rows.PutReal(days);
+                return;
+            }
             TDateTime date;
-            std::string text(TextAt(column));
+            std::string text(whole);
             const size_t blank = text.find(' ');
             if (blank != std::string::npos) text[blank] = 'T';
             if (text.find('-') == std::string::npos && text.find(':') != std::string::npos) text = "1899-12-30T" + text;
@@ -267,7 +316,7 @@ class SqliteStatement final : public ProviderStatement {
                 rows.PutNull();  // what is no date is shown as none
             return;
         }
-        const double number = sqlite3_column_double(statement_.get(), column);
+        const double number = sqlite3_value_double(value);
         if (held == SQLITE_INTEGER)
             rows.PutReal(number / kSecondsADay + kUnixDayOfEpoch);
         else
@@ -277,6 +326,7 @@ class SqliteStatement final : public ProviderStatement {
     sqlite3* database_;
     std::unique_ptr<sqlite3_stmt, FinalizeStatement> statement_;
     std::vector<FieldDefinition> columns_;
+    std::vector<Reading> readings_;
     std::map<std::string, std::vector<ColumnDescription>> tables_;
     bool columnsKnown_ = false;
     bool pendingRow_ = false;  // stepped to, not yet put
