@@ -89,7 +89,8 @@ struct Form {
         Make<TQuerySQL>("Query")->SetQryDataSet(rows);
         rules->OnExecuteProcedureVyn = [this](TObject*, const AnsiString& name, bool& executed) {
             executed = rules->RetornaPosEvent(name) >= 0;
-            if (name == "Free") form.reset();
+            // Not from within a control's or a dataset's own event.
+            if (name == "Free" && depth == 1) form.reset();
             if (executed) Start(name);
         };
         rules->OnErrorOnValue = [](TEventsVyn*, const TPartAssignacioEvent& part, const Variant&, bool& raise) {
