@@ -103,7 +103,7 @@ class OdbcConnection final : public ProviderConnection {
 
     // For statements.
     StatementHandle NewStatement() const { return StatementHandle(database_.Get()); }
-    const class Engine& Engine() const { return engine_; }
+    const struct Engine& Engine() const { return engine_; }
     std::vector<ColumnDescription> DescribeTable(const AnsiString& table);
     // The statement with names as the catalog has them, whatever their case.
     AnsiString WithCatalogNames(const AnsiString& sql);
@@ -123,7 +123,7 @@ class OdbcConnection final : public ProviderConnection {
 
     Environment environment_;
     DatabaseHandle database_;
-    class Engine engine_;
+    struct Engine engine_;
     int depth_ = 0;
     bool bySql_ = false;  // the transaction was begun by a statement
 };
