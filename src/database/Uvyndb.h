@@ -91,6 +91,9 @@ class TDataBaseVyn : public TComponent {
     // literal are part of its value and stay what they are.
     void CorrectParamCheckOnDateTime(TDataSet* dataSet, AnsiString& SQL);
 
+    // Raises EDataBaseVynError, "TDataBaseVyn ERROR:", a line feed, and the message.
+    [[noreturn]] static void ErrorDataBaseVyn(const AnsiString& message);
+
     // The file name of the database, kept for the concrete class and the application.
     AnsiString DBFileName;
     TDataBaseVynConvertToSqlString OnConvertToSqlString;
@@ -120,9 +123,6 @@ class TDataBaseVyn : public TComponent {
     void SetQuerySQLDict(TQuerySQLDict* value);
 
     void Notification(TComponent* component, TOperation operation) override;
-
-  protected:
-    [[noreturn]] static void ErrorDataBaseVyn(const AnsiString& message);
 
   private:
     void MakeNameUnique();

@@ -75,7 +75,6 @@ class TToolButton : public TGraphicControl {
     bool indeterminate_ = false;
     bool marked_ = false;
     bool wrap_ = false;
-    bool placing_ = false;
 };
 
 // A row of buttons (and other controls), from left to right, going on in the next row where a button says Wrap or
