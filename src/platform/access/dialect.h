@@ -61,6 +61,10 @@ struct EngineDialect {
     AnsiString QuotedName(const AnsiString& name) const;
 };
 
+// The words of engines that more than one provider reaches.
+EngineDialect SqliteDialect();
+EngineDialect PostgresqlDialect();
+
 enum class ParameterParsing { Off, On };
 
 // A statement as an engine takes it: "?" stands for each parameter, whose names come in the order of their marks.

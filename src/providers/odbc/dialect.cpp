@@ -23,18 +23,7 @@ Engine Standard() {
 
 Engine Sqlite() {
     Engine engine;
-    EngineDialect& dialect = engine.Dialect;
-    dialect.MidnightIsDateAlone = true;
-    dialect.KeepsOrder = true;
-    dialect.SameValue = " IS ";
-    dialect.HasIif = true;
-    dialect.JoinOpen = "(";
-    dialect.JoinBetween = "||";
-    dialect.JoinedOpen = "IFNULL(";
-    dialect.JoinedClose = ", '')";
-    dialect.Now = "datetime('now', 'localtime')";
-    dialect.Today = "date('now', 'localtime')";
-    dialect.TimeNow = "time('now', 'localtime')";
+    engine.Dialect = SqliteDialect();
     engine.LastKeyQuery = "SELECT last_insert_rowid()";
     engine.DatesAsTexts = true;
     engine.NamesAliases = true;
@@ -44,12 +33,7 @@ Engine Sqlite() {
 
 Engine Postgresql() {
     Engine engine;
-    EngineDialect& dialect = engine.Dialect;
-    dialect.DateBefore = "DATE '";
-    dialect.TimeBefore = "TIME '";
-    dialect.DateTimeBefore = "TIMESTAMP '";
-    dialect.Like = "ILIKE";
-    dialect.HoldRow = " FOR UPDATE";
+    engine.Dialect = PostgresqlDialect();
     engine.HasReturning = true;
     engine.MindsCase = true;
     return engine;

@@ -3,16 +3,7 @@
 namespace vyn::postgresql_provider {
 
 const EngineDialect& PostgresqlConnection::Dialect() const {
-    static const EngineDialect dialect = [] {
-        EngineDialect made;
-        made.Limit = EngineDialect::RowLimit::LimitAtEnd;
-        made.DateBefore = "DATE '";
-        made.TimeBefore = "TIME '";
-        made.DateTimeBefore = "TIMESTAMP '";
-        made.Like = "ILIKE";
-        made.HoldRow = " FOR UPDATE";
-        return made;
-    }();
+    static const EngineDialect dialect = PostgresqlDialect();
     return dialect;
 }
 

@@ -14,23 +14,9 @@ AnsiString TextOfBytes(std::string_view text) {
 
 }  // namespace sqlite_dialect_detail
 
-// Dates are texts that sort as they count: 2026-11-21, 10:20:30, 2026-11-21 10:20:30; at midnight the date alone, so
-// that a day is the same text in columns of dates and of dates with times.
 const EngineDialect& sqlite_provider::Dialect() {
     static const EngineDialect dialect = [] {
-        EngineDialect made;
-        made.Limit = EngineDialect::RowLimit::LimitAtEnd;
-        made.MidnightIsDateAlone = true;
-        made.SameValue = " IS ";
-        made.KeepsOrder = true;
-        made.HasIif = true;
-        made.JoinOpen = "(";
-        made.JoinBetween = "||";
-        made.JoinedOpen = "IFNULL(";
-        made.JoinedClose = ", '')";
-        made.Now = "datetime('now', 'localtime')";
-        made.Today = "date('now', 'localtime')";
-        made.TimeNow = "time('now', 'localtime')";
+        EngineDialect made = SqliteDialect();
         made.TextWithNul = sqlite_dialect_detail::TextOfBytes;
         return made;
     }();
