@@ -129,21 +129,13 @@ void BitButtonWidget::paintEvent(QPaintEvent*) {
     static_cast<BitButtonPeer*>(Peer())->Paint(painter, panel);
 }
 
-class SpeedButtonPeer final : public PeerOf<TSpeedButton> {
+class SpeedButtonPeer final : public PressedPeer<SpeedButtonPeer, TSpeedButton> {
   public:
-    using PeerOf::PeerOf;
-
-    bool MouseHappened(QWidget& widget, QEvent& event, const NativeCall& native) override {
-        const Watch alive(*this);
-        if (press_.Follow(*widget_, event)) Guard(&Self(), [this] { Self().ProcessPress(); });
-        if (!alive) return true;
-        return PeerOf::MouseHappened(widget, event, native);
-    }
-    bool TakesDoubleClicks() const override { return false; }
+    using PressedPeer::PressedPeer;
 
     void Paint(QPainter& painter) {
         TSpeedButton& button = Self();
-        const bool sunken = press_.Sunken();
+        const bool sunken = Sunken();
         QStyleOptionToolButton option;
         option.initFrom(widget_);
         option.subControls = QStyle::SC_ToolButton;
@@ -161,19 +153,9 @@ class SpeedButtonPeer final : public PeerOf<TSpeedButton> {
             button.Caption(), button.Layout(), button.Margin(), button.Spacing(), *widget_, sunken);
     }
 
-    QString AccessibleName() const override { return ButtonName(Self()); }
-
   protected:
-    QWidget* MakeWidget(QWidget* parent) override {
-        auto* widget = new Painted<SpeedButtonPeer>(this, parent);
-        widget->setAttribute(Qt::WA_Hover);
-        return widget;
-    }
     void ApplyText() override { widget_->update(); }
     void ApplySelection() override { widget_->update(); }
-
-  private:
-    Press press_;
 };
 
 }  // namespace bit_button_detail

@@ -96,24 +96,16 @@ Shape ShapeOf(TNavigateBtn button) {
     return shape;
 }
 
-class NavButtonPeer final : public PeerOf<TNavButton> {
+class NavButtonPeer final : public PressedPeer<NavButtonPeer, TNavButton> {
   public:
-    using PeerOf::PeerOf;
-
-    bool MouseHappened(QWidget& widget, QEvent& event, const NativeCall& native) override {
-        const Watch alive(*this);
-        if (press_.Follow(*widget_, event)) Guard(&Self(), [this] { Self().ProcessPress(); });
-        if (!alive) return true;
-        return PeerOf::MouseHappened(widget, event, native);
-    }
-    bool TakesDoubleClicks() const override { return false; }
+    using PressedPeer::PressedPeer;
 
     void Paint(QPainter& painter) {
         const TNavButton& button = Self();
         QStyleOptionToolButton option;
         option.initFrom(widget_);
         option.subControls = QStyle::SC_ToolButton;
-        const bool sunken = press_.Sunken() && widget_->isEnabled();
+        const bool sunken = Sunken() && widget_->isEnabled();
         const bool hot = widget_->underMouse() && widget_->isEnabled();
         if (button.Flat()) option.state |= QStyle::State_AutoRaise;
         option.state |= sunken ? QStyle::State_Sunken : QStyle::State_Raised;
@@ -126,15 +118,6 @@ class NavButtonPeer final : public PeerOf<TNavButton> {
         focus.initFrom(widget_);
         focus.rect = widget_->rect().adjusted(2, 2, -2, -2);
         widget_->style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &painter, widget_);
-    }
-
-    QString AccessibleName() const override { return ButtonName(Self()); }
-
-  protected:
-    QWidget* MakeWidget(QWidget* parent) override {
-        auto* widget = new Painted<NavButtonPeer>(this, parent);
-        widget->setAttribute(Qt::WA_Hover);
-        return widget;
     }
 
   private:
@@ -151,8 +134,6 @@ class NavButtonPeer final : public PeerOf<TNavButton> {
         painter.strokePath(shape.Lines, QPen(color, kStroke, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         painter.resetTransform();
     }
-
-    Press press_;
 };
 
 class DBImagePeer final : public PeerOf<TDBImage> {

@@ -4,6 +4,7 @@
 #include <QWidget>
 
 #include "platform/controls/control.h"
+#include "qt/painted.h"
 
 namespace vyn::qt {
 
@@ -23,5 +24,32 @@ class Press {
 
 // What assistive technology calls a button: its caption, else its short hint.
 QString ButtonName(const TControl& button);
+
+// The peer of a control that is pressed by the mouse and painted by the peer (Peer::Paint).
+template <class Peer, class C>
+class PressedPeer : public PeerOf<C> {
+  public:
+    using PeerOf<C>::PeerOf;
+
+    bool MouseHappened(QWidget& widget, QEvent& event, const WidgetPeer::NativeCall& native) override {
+        const WidgetPeer::Watch alive(*this);
+        if (press_.Follow(*this->widget_, event)) Guard(&this->Self(), [this] { this->Self().ProcessPress(); });
+        if (!alive) return true;
+        return PeerOf<C>::MouseHappened(widget, event, native);
+    }
+    bool TakesDoubleClicks() const override { return false; }
+    QString AccessibleName() const override { return ButtonName(this->Self()); }
+
+  protected:
+    QWidget* MakeWidget(QWidget* parent) override {
+        auto* widget = new Painted<Peer>(static_cast<Peer*>(this), parent);
+        widget->setAttribute(Qt::WA_Hover);
+        return widget;
+    }
+    bool Sunken() const { return press_.Sunken(); }
+
+  private:
+    Press press_;
+};
 
 }  // namespace vyn::qt
