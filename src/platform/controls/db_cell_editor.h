@@ -15,11 +15,6 @@ namespace vyn {
 class TCustomDBGrid::CellEditor {
   public:
     explicit CellEditor(TCustomDBGrid& grid) : grid_(grid) {}
-    ~CellEditor() {
-        text_.reset();
-        lines_.reset();
-        button_.reset();
-    }
 
     TWinControl* Shown() const { return shown_; }
     void Show();

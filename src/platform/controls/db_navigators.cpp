@@ -190,7 +190,7 @@ void TDBNavigator::UpdateButtons() {
 
 void TDBNavigator::BtnClick(TNavigateBtn button) {
     TDataSet* data = link_->ActiveDataSet();
-    if (data && !(DataSource()->State() == dsInactive)) {
+    if (data) {
         BeforeAction(this, button);
         switch (button) {
             case nbFirst:
