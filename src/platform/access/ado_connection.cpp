@@ -5,6 +5,7 @@
 #include "platform/access/ado.h"
 #include "platform/text/compare.h"
 #include "platform/text/exceptions.h"
+#include "platform/text/numbers.h"
 
 namespace vyn {
 
@@ -139,6 +140,7 @@ AnsiString TADOConnection::FullConnectionString() const {
     AnsiString text;
     if (!providerName_.empty()) text += "Provider=\"" + providerName_ + "\";";
     if (mode_ == cmRead) text += "Mode=Read;";
+    text += "Connect Timeout=" + IntToStr(std::clamp(ConnectionTimeout, 0, kMostConnectSeconds)) + ";";
     return text + connectionString_;
 }
 
@@ -150,7 +152,10 @@ void TADOConnection::SetConnected(bool value) {
     if (value == Connected()) return;
     if (value) {
         BeforeConnect(this);
-        connection_ = OpenProvider(vyn::ConnectionString(FullConnectionString()));
+        const vyn::ConnectionString settings(FullConnectionString());
+        const AnsiString allowed = settings.Number("Command Timeout", 0, kMostCommandSeconds);
+        ownCommandTimeout_ = allowed.empty() ? kNoTimeout : static_cast<int32_t>(StrToInt64Def(allowed, 0));
+        connection_ = OpenProvider(settings);
         AfterConnect(this);
         return;
     }
@@ -165,9 +170,12 @@ void TADOConnection::Loaded() {
     if (connectWhenLoaded_) Open();
 }
 
-ProviderConnection& TADOConnection::Provider() {
+ProviderConnection& TADOConnection::Provider(int32_t commandTimeout) {
     if (!Connected()) SetConnected(true);
     if (!connection_) throw EDatabaseError("The connection " + Name() + " is still being read");
+    if (commandTimeout == kDefaultCommandTimeout)
+        commandTimeout = ownCommandTimeout_ == kNoTimeout ? CommandTimeout : ownCommandTimeout_;
+    connection_->SetCommandTimeout(std::clamp(commandTimeout, 0, kMostCommandSeconds));
     return *connection_;
 }
 
@@ -177,7 +185,7 @@ void TADOConnection::FinishReading() {
 
 void TADOConnection::FetchRest() {
     for (TCustomADODataSet* dataSet : std::vector<TCustomADODataSet*>(dataSets_))
-        if (dataSet->Active() && !dataSet->AllFetched()) dataSet->RecordCount();
+        if (dataSet->Active() && !dataSet->AllFetched() && !dataSet->ReadingFailed()) dataSet->RecordCount();
 }
 
 int64_t TADOConnection::Execute(const AnsiString& sql) {

@@ -53,6 +53,8 @@ const EnumType& TypeInfoOf(TypeTag<TConnectMode>);
 class TADOConnection : public TComponent {
     VYN_OBJECT
   public:
+    static constexpr int32_t kDefaultCommandTimeout = 30;  // seconds
+
     explicit TADOConnection(TComponent* owner) : TComponent(owner) {}
     ~TADOConnection() override;
 
@@ -72,8 +74,9 @@ class TADOConnection : public TComponent {
     bool LoginPrompt = true;
     bool KeepConnection = true;
     TXactAttributes Attributes;
-    int32_t CommandTimeout = 30;     // seconds
-    int32_t ConnectionTimeout = 15;  // seconds
+    // Seconds; 0: without end. The connection string's own Command Timeout and Connect Timeout count more.
+    int32_t CommandTimeout = kDefaultCommandTimeout;
+    int32_t ConnectionTimeout = 15;
     TConnectOption ConnectOptions = coConnectUnspecified;
     TCursorLocation CursorLocation = clUseClient;
     AnsiString DefaultDatabase;
@@ -89,8 +92,9 @@ class TADOConnection : public TComponent {
     bool InTransaction() const { return connection_ && connection_->TransactionDepth() > 0; }
     void GetTableNames(TStrings& list, bool systemTables = false);
     void GetProcedureNames(TStrings& list);
-    // The provider's connection, made when it is not there.
-    ProviderConnection& Provider();
+    // The provider's connection, made when it is not there; what it is asked for may take the time that the connection
+    // allows, or `commandTimeout` seconds where a dataset has a time of its own.
+    ProviderConnection& Provider(int32_t commandTimeout = kDefaultCommandTimeout);
     // Before something is written: where results that are read halfway stand in the way, every dataset fetches the
     // rest.
     void FinishReading();
@@ -111,6 +115,7 @@ class TADOConnection : public TComponent {
 
   private:
     friend class TCustomADODataSet;
+    static constexpr int32_t kNoTimeout = -1;
     void CheckClosed() const;
     void FetchRest();
     AnsiString FullConnectionString() const;
@@ -119,6 +124,7 @@ class TADOConnection : public TComponent {
     AnsiString providerName_;
     TConnectMode mode_ = cmUnknown;
     std::unique_ptr<ProviderConnection> connection_;
+    int32_t ownCommandTimeout_ = kNoTimeout;  // the connection string's
     std::vector<TCustomADODataSet*> dataSets_;
     bool connectWhenLoaded_ = false;
 };

@@ -174,18 +174,19 @@ void TCustomADODataSet::Notification(TComponent* component, TOperation operation
 }
 
 ProviderConnection& TCustomADODataSet::RequireConnection() {
-    if (connection_) return connection_->Provider();
+    if (connection_) return connection_->Provider(CommandTimeout);
     if (connectionString_.empty()) DatabaseError("Missing Connection or ConnectionString");
     if (!ownConnection_) {
         ownConnection_ = std::make_unique<TADOConnection>(nullptr);
         ownConnection_->SetConnectionString(connectionString_);
     }
-    return ownConnection_->Provider();
+    return ownConnection_->Provider(CommandTimeout);
 }
 
 void TCustomADODataSet::FinishReading() {
     if (connection_) connection_->FinishReading();
-    if (ownConnection_ && Active() && !ownConnection_->Provider().WritesBesideReading()) RecordCount();
+    if (ownConnection_ && Active() && !ReadingFailed() && !ownConnection_->Provider().WritesBesideReading())
+        RecordCount();
 }
 
 std::vector<FieldDefinition> TCustomADODataSet::InternalOpen() {
@@ -203,6 +204,7 @@ std::vector<FieldDefinition> TCustomADODataSet::InternalOpen() {
 
 bool TCustomADODataSet::InternalFetch(RowStore& rows, int64_t count) {
     if (!statement_) return false;
+    RequireConnection();
     if (MaxRecords > 0) count = std::min(count, MaxRecords - rows.Count());
     const bool more = statement_->Fetch(rows, count) && (MaxRecords <= 0 || rows.Count() < MaxRecords);
     if (!more) statement_.reset();
@@ -222,21 +224,25 @@ AnsiString TCustomADODataSet::ReasonNotToModify() const {
 void TCustomADODataSet::InternalEdit(Record& record) {
     if (lockType_ != ltPessimistic) return;
     FinishReading();
+    RequireConnection();
     if (!writer_->Reread(record, record)) DatabaseError("Another user has deleted this record");
 }
 
 void TCustomADODataSet::InternalInsert(Record& record) {
     FinishReading();
+    RequireConnection();
     writer_->Insert(record);
 }
 
 void TCustomADODataSet::InternalUpdate(const Record& original, Record& record) {
     FinishReading();
+    RequireConnection();
     writer_->Update(original, record);
 }
 
 void TCustomADODataSet::InternalDelete(const Record& original) {
     FinishReading();
+    RequireConnection();
     writer_->Delete(original);
 }
 

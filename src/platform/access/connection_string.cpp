@@ -2,6 +2,7 @@
 
 #include "platform/text/compare.h"
 #include "platform/text/exceptions.h"
+#include "platform/text/numbers.h"
 
 namespace vyn {
 
@@ -53,6 +54,16 @@ AnsiString ConnectionString::Value(const AnsiString& key, const AnsiString& othe
     for (auto pair = pairs_.rbegin(); pair != pairs_.rend(); ++pair)
         if (SameText(pair->first, key)) return pair->second;
     return otherwise;
+}
+
+AnsiString ConnectionString::Number(const AnsiString& key, int lowest, int highest) const {
+    const AnsiString text = Value(key);
+    int64_t number = 0;
+    if (text.empty()) return {};
+    if (!TryStrToInt64(text, number) || number < lowest || number > highest)
+        throw EDatabaseError(key + "=" + text + ": a number from " + IntToStr(lowest) + " to " + IntToStr(highest) +
+                             " is wanted");
+    return text;
 }
 
 bool ConnectionString::Has(const AnsiString& key) const {

@@ -7,6 +7,10 @@
 
 namespace vyn {
 
+// The most that connection strings may say of times.
+constexpr int kMostConnectSeconds = 3600;
+constexpr int kMostCommandSeconds = 86400;
+
 // "Provider=SQLite;Data Source=FILE": keys and values, separated by semicolons. A value may stand in double or single
 // quotes, doubled inside; keys compare without regard to case, the last of a key wins.
 class ConnectionString {
@@ -17,6 +21,8 @@ class ConnectionString {
 
     AnsiString Value(const AnsiString& key, const AnsiString& otherwise = {}) const;
     bool Has(const AnsiString& key) const;
+    // A whole number within these bounds, or empty where there is none; raises EDatabaseError for anything else.
+    AnsiString Number(const AnsiString& key, int lowest, int highest) const;
     const std::vector<std::pair<AnsiString, AnsiString>>& Pairs() const { return pairs_; }
     // For messages: as it was, with asterisks for passwords.
     AnsiString ForMessages() const;

@@ -69,6 +69,9 @@ class ProviderConnection {
     virtual AnsiString Returning(const std::vector<AnsiString>& columns) const;
     // Where nothing follows an INSERT: a query for the number that its record's key was given; empty for none.
     virtual AnsiString LastKeyQuery() const { return {}; }
+    // How long the engine may take for what is asked of it from now on, in seconds; 0: as long as it wants. What takes
+    // longer is broken off with an error; a server that does not even answer to that is taken for lost.
+    virtual void SetCommandTimeout(int seconds) {}
     // Whether results that are read halfway may stay so while the connection writes.
     virtual bool WritesBesideReading() const { return false; }
     // Has other connections' notices on a channel kept, and takes those that came. Raises where there are none.

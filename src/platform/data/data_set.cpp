@@ -16,6 +16,7 @@ constexpr int64_t kFetchStep = 256;
 constexpr int64_t kLargestFetchStep = 8192;
 constexpr int64_t kFetchedPerStep = 4;
 constexpr int64_t kEverything = INT64_MAX;
+constexpr char kIncomplete[] = "\nNot all records are there: refresh to read them again";
 constexpr char kClosed[] = "Cannot perform this operation on a closed dataset";
 
 }  // namespace data_set_detail
@@ -75,6 +76,7 @@ void TDataSet::StartRows() {
     rows_ = std::make_unique<RowStore>(std::move(kinds));
     ++opening_;
     allFetched_ = false;
+    readingError_.clear();
     viewed_ = false;
     view_.clear();
     calculatedRow_ = -1;
@@ -252,7 +254,18 @@ int64_t TDataSet::FetchTo(int64_t count) {
         const int64_t step = std::clamp(from / data_set_detail::kFetchedPerStep, data_set_detail::kFetchStep,
                                         data_set_detail::kLargestFetchStep);
         const int64_t missing = std::max(count - RecordsFetched(), step);
-        if (!InternalFetch(*rows_, missing)) allFetched_ = true;
+        if (ReadingFailed()) {
+            // What only shows records is not told again and again.
+            if (count == data_set_detail::kEverything) throw EDatabaseError(readingError_);
+            break;
+        }
+        try {
+            if (!InternalFetch(*rows_, missing)) allFetched_ = true;
+        } catch (const EDatabaseError& error) {
+            readingError_ = error.Message() + data_set_detail::kIncomplete;
+            if (viewed_) ExtendView(from);
+            throw;
+        }
         if (viewed_) ExtendView(from);
     }
     return RecordsFetched();

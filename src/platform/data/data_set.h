@@ -74,9 +74,12 @@ class TDataSet : public TComponent {
 
     // The records.
     int64_t RecordsFetched() const;
-    // Fetches until that many are there; gives how many there are.
+    // Fetches until that many are there; gives how many there are. Once fetching failed, what is there stays, and no
+    // more is asked for until the dataset is refreshed or opened again; what needs all records raises the error anew.
     int64_t FetchTo(int64_t count);
     bool AllFetched() const { return allFetched_; }
+    // Whether fetching failed on the way.
+    bool ReadingFailed() const { return !readingError_.empty(); }
     // Fetches all.
     int64_t RecordCount();
     const RowStore& Rows() const;
@@ -198,6 +201,10 @@ class TDataSet : public TComponent {
     void DoOpen();
     void DoClose();
     void StartRows();
+    // What is not among the fetched records may be among those that could not be.
+    void RequireAllRead() {
+        if (ReadingFailed()) RecordCount();
+    }
     void BindFields();
     void FreeOwnFields();
     void MoveTo(int64_t record);
@@ -235,6 +242,7 @@ class TDataSet : public TComponent {
     std::unique_ptr<RowStore> rows_;
     int opening_ = 0;
     bool allFetched_ = true;
+    AnsiString readingError_;
     int64_t current_ = -1;
     bool bof_ = true;
     bool eof_ = true;

@@ -88,6 +88,7 @@ struct TDataSet::KeyMatcher {
 int64_t TDataSet::FindRecord(const KeyMatcher& matcher) {
     for (int64_t record = 0; record < FetchTo(record + 1); ++record)
         if (matcher.Matches(RowOf(record))) return record;
+    RequireAllRead();
     return -1;
 }
 
@@ -191,6 +192,7 @@ bool TDataSet::Find(int64_t from, int64_t step) {
         MoveTo(record);
         return true;
     }
+    if (step > 0) RequireAllRead();
     return false;
 }
 

@@ -70,7 +70,10 @@ AnsiString DriverKey(const AnsiString& key) {
 OdbcConnection::OdbcConnection(const ConnectionString& settings) : environment_(SQL_NULL_HANDLE) {
     AnsiString text, where;
     for (const auto& [key, value] : settings.Pairs()) {
-        if (SameText(key, "Provider") || SameText(key, "Persist Security Info") || SameText(key, "Mode")) continue;
+        const auto is = [&key = key](const char* name) { return SameText(key, name); };
+        if (is("Provider") || is("Persist Security Info") || is("Mode") || is("Connect Timeout") ||
+            is("Command Timeout"))
+            continue;
         if (SameText(key, "Extended Properties")) {
             text += value + ";";
             continue;

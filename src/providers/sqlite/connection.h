@@ -2,13 +2,16 @@
 
 #include <sqlite3.h>
 
+#include <chrono>
+
 #include "platform/access/provider.h"
 
 namespace vyn {
 
 // The embedded engine: "Provider=SQLite;Data Source=FILE" (":memory:" or no file at all: a database in memory that goes
 // with the connection; Mode=ReadOnly: nothing is written). A file that is not there is made, its folder is not.
-// Write-ahead log, full synchronisation, foreign keys on, and a wait of some seconds for other writers.
+// Write-ahead log, full synchronisation, foreign keys on, and a wait of some seconds for other writers (Busy Timeout:
+// milliseconds).
 //
 // "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=FILE" of stored applications opens a file that is there and in this
 // engine's format.
@@ -21,13 +24,35 @@ struct CloseDatabase {
 };
 using DatabaseHandle = std::unique_ptr<sqlite3, CloseDatabase>;
 
-// Raises EDatabaseError with the engine's reason.
+// Raises EDatabaseError with what happened and the engine's reason.
 [[noreturn]] void Raise(sqlite3* database, const AnsiString& what);
+
+// An open database, and how long what it is asked for may take.
+class Session {
+  public:
+    Session() = default;
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    void Take(sqlite3* database);
+    sqlite3* Database() const { return database_.get(); }
+    void SetCommandTimeout(int seconds) { seconds_ = seconds; }
+    // Before something is asked for: time runs from here.
+    void Start();
+    // Raises what went wrong since then; says so when a transaction was taken back.
+    [[noreturn]] void Raise(const AnsiString& what);
+
+  private:
+    static int GoOn(void* session);
+    DatabaseHandle database_;
+    std::chrono::steady_clock::time_point end_;
+    int seconds_ = 0;
+    bool inTransaction_ = false;
+};
 
 const EngineDialect& Dialect();
 
 // Raises for a text of several statements.
-std::unique_ptr<ProviderStatement> PrepareStatement(sqlite3* database, const AnsiString& sql);
+std::unique_ptr<ProviderStatement> PrepareStatement(Session& session, const AnsiString& sql);
 // The field type of a declared column type; ftUnknown when it says nothing.
 TFieldType TypeOfDeclaration(const char* declared, int& size);
 

@@ -26,13 +26,14 @@ constexpr double kMostJulianDay = 5373485;
 
 class SqliteStatement final : public ProviderStatement {
   public:
-    SqliteStatement(sqlite3* database, const AnsiString& sql) : database_(database) {
+    SqliteStatement(Session& session, const AnsiString& sql) : session_(session), database_(session.Database()) {
+        session_.Start();
         const std::string utf8 = AnsiToUtf8(sql);
         sqlite3_stmt* prepared = nullptr;
         const char* tail = nullptr;
-        if (sqlite3_prepare_v2(database, utf8.c_str(), static_cast<int>(utf8.size()) + 1, &prepared, &tail) !=
+        if (sqlite3_prepare_v2(database_, utf8.c_str(), static_cast<int>(utf8.size()) + 1, &prepared, &tail) !=
             SQLITE_OK)
-            Raise(database, "The statement failed");
+            session_.Raise("The statement failed");
         if (!prepared) throw EDatabaseError("The statement is empty");
         statement_.reset(prepared);
         for (const SqlToken& token : TokenizeSql(tail ? tail : ""))
@@ -62,6 +63,7 @@ class SqliteStatement final : public ProviderStatement {
     }
 
     int64_t Execute() override {
+        session_.Start();
         const int64_t before = sqlite3_total_changes64(database_);
         while (!done_ && Step()) {
         }
@@ -69,6 +71,7 @@ class SqliteStatement final : public ProviderStatement {
     }
 
     bool Fetch(RowStore& rows, int64_t count) override {
+        session_.Start();
         if (!columnsKnown_) FindColumns();
         for (; count > 0; --count) {
             if (!pendingRow_) {
@@ -85,7 +88,7 @@ class SqliteStatement final : public ProviderStatement {
         const int result = sqlite3_step(statement_.get());
         if (result == SQLITE_ROW) return true;
         done_ = true;
-        if (result != SQLITE_DONE) Raise(database_, "The statement failed");
+        if (result != SQLITE_DONE) session_.Raise("The statement failed");
         return false;
     }
 
@@ -147,7 +150,10 @@ class SqliteStatement final : public ProviderStatement {
             definition.DataType = TypeOfDeclaration(sqlite3_column_decltype(statement_.get(), i), definition.Size);
             FindOrigin(i, definition);
             if (definition.DataType == ftUnknown) {
-                if (!pendingRow_ && !done_) pendingRow_ = Step();
+                if (!pendingRow_ && !done_) {
+                    session_.Start();
+                    pendingRow_ = Step();
+                }
                 definition.DataType = pendingRow_ ? TypeOfValue(i) : ftString;
             }
             columns_.push_back(definition);
@@ -323,6 +329,7 @@ class SqliteStatement final : public ProviderStatement {
             rows.PutReal(number < kMostJulianDay ? number - kJulianDayOfEpoch : number);
     }
 
+    Session& session_;
     sqlite3* database_;
     std::unique_ptr<sqlite3_stmt, FinalizeStatement> statement_;
     std::vector<FieldDefinition> columns_;
@@ -333,8 +340,8 @@ class SqliteStatement final : public ProviderStatement {
     bool done_ = false;
 };
 
-std::unique_ptr<ProviderStatement> PrepareStatement(sqlite3* database, const AnsiString& sql) {
-    return std::make_unique<SqliteStatement>(database, sql);
+std::unique_ptr<ProviderStatement> PrepareStatement(Session& session, const AnsiString& sql) {
+    return std::make_unique<SqliteStatement>(session, sql);
 }
 
 TFieldType TypeOfDeclaration(const char* declared, int& size) {

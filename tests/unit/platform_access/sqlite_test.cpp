@@ -104,14 +104,17 @@ TEST_F(Sqlite, ErrorsGiveTheEnginesReason) {
 TEST_F(Sqlite, AFileThatIsNoDatabaseSaysSo) {
     std::ofstream(file_) << "this is no database, and long enough to be looked at as one by the engine itself....";
     EXPECT_EQ(MessageOf([&] { connection_.Open(); }),
-              "EDatabaseError: Data Source=" + file_ + ": file is not a database");
+              "EDatabaseError: Data Source=" + file_ +
+                  ": the file is not a database. Look whether it is the right one (file is not a database)");
     EXPECT_FALSE(connection_.Connected());
 }
 
 TEST_F(Sqlite, AFolderThatIsNotThereSaysSo) {
     connection_.SetConnectionString("Provider=SQLite;Data Source=/no/such/folder/x.db");
     EXPECT_EQ(MessageOf([&] { connection_.Open(); }),
-              "EDatabaseError: Data Source=/no/such/folder/x.db: unable to open database file");
+              "EDatabaseError: Data Source=/no/such/folder/x.db: the file cannot be opened. Look at its name and its "
+              "folder, and "
+              "whether you may read and write both (unable to open database file)");
 }
 
 TEST_F(Sqlite, AnUnknownProviderIsNamed) {
