@@ -50,13 +50,14 @@ class GridPeer final : public PeerOf<TCustomDBGrid> {
         PaintTitles(painter, viewport);
         const QPalette& palette = widget_->palette();
         const int rowHeight = grid.RowHeight();
-        const TDataSet* data = grid.DataSet();
+        TDataSet* data = grid.DataSet();
         if (!data) return;
         const QColor lines = palette.color(QPalette::Midlight);
         painter.setFont(ToQFont(grid.EffectiveFont()));
         int y = grid.TitleHeight();
-        for (int64_t record = grid.TopRecord(); y < viewport.height(); ++record, y += rowHeight) {
-            if (record >= const_cast<TDataSet*>(data)->FetchTo(record + 1)) break;
+        const int64_t top = grid.TopRecord();
+        const int64_t end = data->Reach(top, (viewport.height() - y + rowHeight - 1) / rowHeight);
+        for (int64_t record = top; record < end && y < viewport.height(); ++record, y += rowHeight) {
             PaintRow(painter, viewport, record, y, rowHeight, lines);
         }
     }
@@ -218,10 +219,10 @@ class GridPeer final : public PeerOf<TCustomDBGrid> {
         const TDataSet* data = grid.DataSet();
         const int rows = grid.VisibleRows();
         QScrollBar* vertical = Area()->verticalScrollBar();
-        const int64_t fetched = data ? data->RecordsFetched() : 0;
+        const int64_t expected = data ? data->RecordsExpected() : 0;
         // While there may be more, one page more can be scrolled to, which fetches it.
-        const int64_t beyond = data && !data->AllFetched() ? rows : 0;
-        const int64_t last = std::clamp<int64_t>(fetched - rows + beyond, 0, INT_MAX);
+        const int64_t beyond = data && !data->IsPaged() && !data->AllFetched() ? rows : 0;
+        const int64_t last = std::clamp<int64_t>(expected - rows + beyond, 0, INT_MAX);
         vertical->setRange(0, static_cast<int>(last));
         vertical->setPageStep(rows);
         vertical->setValue(static_cast<int>(std::min<int64_t>(grid.TopRecord(), INT_MAX)));

@@ -54,6 +54,10 @@ const std::vector<Engine>& Engines() {
     static const std::vector<Engine> engines = {
         {"SQLite", "SQLite", FreshSqlite, "INTEGER PRIMARY KEY AUTOINCREMENT", "DATETIME", "BLOB", "MEMO", "sqlite"},
         {"PostgreSQL", "PostgreSQL", FreshPostgresql, "SERIAL PRIMARY KEY", "TIMESTAMP", "BYTEA", "TEXT", "postgresql"},
+        {"SQLitePaged", "SQLite, in pages", FreshSqlite, "INTEGER PRIMARY KEY AUTOINCREMENT", "DATETIME", "BLOB",
+         "MEMO", "sqlite", 17, true},
+        {"PostgreSQLPaged", "PostgreSQL, in pages", FreshPostgresql, "SERIAL PRIMARY KEY", "TIMESTAMP", "BYTEA", "TEXT",
+         "postgresql", 17, true},
         {"SQLiteThroughODBC", "ODBC (SQLite)", FreshSqliteThroughOdbc, "INTEGER PRIMARY KEY AUTOINCREMENT", "DATETIME",
          "BLOB", "MEMO", "sqlite", 15},  // the driver reads numbers as texts
         {"PostgreSQLThroughODBC", "ODBC (PostgreSQL)", FreshPostgresqlThroughOdbc, "SERIAL PRIMARY KEY", "TIMESTAMP",
@@ -64,11 +68,14 @@ const std::vector<Engine>& Engines() {
 
 Conformance::Conformance() {
     FormatSettings() = InvariantFormatSettings();
+    if (GetParam().Paged) TCustomADODataSet::PagedFrom = 0;
     const AnsiString where = GetParam().FreshDatabase();
     mine.SetConnectionString(where);
     theirs.SetConnectionString(where);
     MakeTables();
 }
+
+Conformance::~Conformance() { TCustomADODataSet::PagedFrom = TCustomADODataSet::kLargeTable; }
 
 void Conformance::MakeTables() {
     const Engine& engine = GetParam();

@@ -25,6 +25,7 @@ struct Engine {
     AnsiString Memo;
     AnsiString Golden;    // whose lines of the golden statements hold
     int RealDigits = 17;  // of real numbers, that the way to the engine keeps
+    bool Paged = false;   // all tables are taken for large ones
 };
 
 inline void PrintTo(const Engine& engine, std::ostream* stream) { *stream << engine.Name; }
@@ -35,6 +36,7 @@ const std::vector<Engine>& Engines();
 class Conformance : public testing::TestWithParam<Engine> {
   protected:
     Conformance();
+    ~Conformance() override;
 
     // Tables "clients" (a key that counts, texts, numbers, dates, money, a default) and "linies" (a key of two
     // columns).

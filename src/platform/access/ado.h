@@ -27,6 +27,10 @@ const EnumType& TypeInfoOf(TypeTag<TMarshalOption>);
 
 // A dataset over a statement of a connection: its own ConnectionString, or a shared connection. Records of one table
 // are written back through TableWriter; others are read-only and say why.
+//
+// Of a query over one large table that shows its primary key, only the records around those that are looked at are read
+// and kept (TablePages), by the engine's indexes: it opens, goes to its end and finds records in a large table as in a
+// small one. Others are read from the beginning on, as far as they are asked for, and kept.
 class TCustomADODataSet : public TDataSet {
     VYN_OBJECT
   public:
@@ -42,6 +46,7 @@ class TCustomADODataSet : public TDataSet {
     void SetLockType(TADOLockType value);
     TCursorLocation CursorLocation() const { return cursorLocation_; }
     void SetCursorLocation(TCursorLocation value);
+    // ctOpenForwardOnly and ctStatic read and keep everything, also of large tables.
     TCursorType CursorType() const { return cursorType_; }
     void SetCursorType(TCursorType value);
     // Whether parameters are looked for in the statement; without it colons are nothing special, and parameters go by
@@ -55,6 +60,9 @@ class TCustomADODataSet : public TDataSet {
     int32_t MaxRecords = 0;  // 0: all
     bool EnableBCD = true;
     bool Prepared = false;
+    // Tables with about so many records, or more, are read in pages when they are opened.
+    static constexpr int64_t kLargeTable = 20000;
+    static int64_t PagedFrom;
 
     TDataSource* GetDataSource() const override;
 
@@ -76,6 +84,7 @@ class TCustomADODataSet : public TDataSet {
 
     std::vector<FieldDefinition> InternalOpen() override;
     bool InternalFetch(RowStore& rows, int64_t count) override;
+    std::unique_ptr<RowPages> InternalPages(const std::vector<SortPart>& order) override;
     void InternalClose() override;
     AnsiString ReasonNotToModify() const override;
     void InternalEdit(Record& record) override;
@@ -90,6 +99,10 @@ class TCustomADODataSet : public TDataSet {
     AnsiString connectionString_;
     std::unique_ptr<TADOConnection> ownConnection_;
     std::unique_ptr<ProviderStatement> statement_;
+    // What it runs, and with which values.
+    AnsiString engineSql_;
+    std::vector<ProviderValue> engineValues_;
+    std::vector<FieldDefinition> columns_;
     std::unique_ptr<TableWriter> writer_;
     std::unique_ptr<MasterLink> master_;
     TADOLockType lockType_ = ltOptimistic;

@@ -185,7 +185,8 @@ void TADOConnection::FinishReading() {
 
 void TADOConnection::FetchRest() {
     for (TCustomADODataSet* dataSet : std::vector<TCustomADODataSet*>(dataSets_))
-        if (dataSet->Active() && !dataSet->AllFetched() && !dataSet->ReadingFailed()) dataSet->RecordCount();
+        if (dataSet->Active() && !dataSet->IsPaged() && !dataSet->AllFetched() && !dataSet->ReadingFailed())
+            dataSet->RecordCount();
 }
 
 int64_t TADOConnection::Execute(const AnsiString& sql) {

@@ -1,4 +1,5 @@
 #include "platform/access/ado.h"
+#include "platform/access/table_pages.h"
 #include "platform/access/table_writer.h"
 #include "platform/objects/class_table.h"
 
@@ -78,6 +79,8 @@ const ClassInfo& TCustomADODataSet::StaticClass() {
                                       .Event("OnPostError", &T::OnPostError);
     return info;
 }
+
+int64_t TCustomADODataSet::PagedFrom = kLargeTable;
 
 // The ear at the master's source.
 class TCustomADODataSet::MasterLink : public TDataLink {
@@ -185,8 +188,8 @@ ProviderConnection& TCustomADODataSet::RequireConnection() {
 
 void TCustomADODataSet::FinishReading() {
     if (connection_) connection_->FinishReading();
-    if (ownConnection_ && Active() && !ReadingFailed() && !ownConnection_->Provider().WritesBesideReading())
-        RecordCount();
+    const bool reading = ownConnection_ && Active() && !IsPaged() && !ReadingFailed();
+    if (reading && !ownConnection_->Provider().WritesBesideReading()) RecordCount();
 }
 
 std::vector<FieldDefinition> TCustomADODataSet::InternalOpen() {
@@ -195,11 +198,29 @@ std::vector<FieldDefinition> TCustomADODataSet::InternalOpen() {
     const AnsiString text = CommandText();
     const EngineSql sql = TranslateSql(text, provider.Dialect(), Parsing());
     statement_ = provider.Prepare(sql.Text);
-    statement_->Bind(ParameterValues(sql, statement_->ParameterCount()));
-    std::vector<FieldDefinition> columns = statement_->Columns();
-    if (columns.empty()) DatabaseError("The statement gives no records");
-    writer_ = std::make_unique<TableWriter>(provider, columns, ShapeOf(text));
-    return columns;
+    engineSql_ = sql.Text;
+    engineValues_ = ParameterValues(sql, statement_->ParameterCount());
+    statement_->Bind(engineValues_);
+    columns_ = statement_->Columns();
+    if (columns_.empty()) DatabaseError("The statement gives no records");
+    writer_ = std::make_unique<TableWriter>(provider, columns_, ShapeOf(text));
+    return columns_;
+}
+
+std::unique_ptr<RowPages> TCustomADODataSet::InternalPages(const std::vector<SortPart>& order) {
+    const bool wanted = cursorType_ != ctOpenForwardOnly && cursorType_ != ctStatic && MaxRecords <= 0;
+    if (!wanted || !writer_ || !writer_->ReasonNotToWrite().empty()) return nullptr;
+    std::vector<TablePages::OrderPart> parts;
+    for (const SortPart& part : order) {
+        if (part.Field->FieldKind() != fkData || part.Field->FieldNo() < 0) return nullptr;
+        parts.push_back({static_cast<size_t>(part.Field->FieldNo()), part.Descending});
+    }
+    auto pages = TablePages::Of(
+        RequireConnection(),
+        {engineSql_, engineValues_, columns_, writer_->Table(), writer_->Key(), [this] { RequireConnection(); }}, parts,
+        PagedFrom);
+    if (pages) statement_.reset();
+    return pages;
 }
 
 bool TCustomADODataSet::InternalFetch(RowStore& rows, int64_t count) {

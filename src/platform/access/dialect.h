@@ -36,6 +36,10 @@ struct EngineDialect {
     // Whether a table's rows come in the order of their making where none is asked for, also after they were changed;
     // tables are read in their keys' order otherwise.
     bool KeepsOrder = false;
+    // Whether nulls come before all values in an ascending order.
+    bool NullsAreLow = false;
+    // Whether texts are ordered so that those with one beginning stand together, behind it.
+    bool PrefixIsRange = false;
     // Comparison with a pattern, whatever the letters' case.
     AnsiString Like = "LIKE";
     // IIF(condition, one, other); without it CASE does the same.

@@ -10,6 +10,8 @@ EngineDialect SqliteDialect() {
     dialect.MidnightIsDateAlone = true;
     dialect.SameValue = " IS ";
     dialect.KeepsOrder = true;
+    dialect.NullsAreLow = true;
+    dialect.PrefixIsRange = true;
     dialect.HasIif = true;
     dialect.JoinOpen = "(";
     dialect.JoinBetween = "||";

@@ -59,6 +59,9 @@ class ProviderConnection {
     // The columns of a table's primary key, and of one of its indexes, in their order; empty when there is none.
     virtual std::vector<AnsiString> KeyColumns(const AnsiString& table) = 0;
     virtual std::vector<AnsiString> IndexColumns(const AnsiString& table, const AnsiString& index) = 0;
+    // About how many records a table has, told without counting them; -1 where nobody knows: its queries are then read
+    // from the beginning to the end, and not in pages.
+    virtual int64_t EstimatedRows(const AnsiString& table) { return -1; }
     // Transactions may be nested as far as the engine lets them; each gives the depth that it leaves.
     virtual int Begin() = 0;
     virtual int Commit() = 0;

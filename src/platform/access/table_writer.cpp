@@ -10,7 +10,6 @@ namespace vyn {
 
 namespace table_writer_detail {
 
-constexpr size_t kKeptStatements = 8;
 constexpr char kCannotBeChanged[] = ", so its records cannot be changed";
 
 // A transaction, or a part of the one that there is, which ends with what is done in it.
@@ -44,7 +43,7 @@ AnsiString Shown(const Variant& value) {
 }  // namespace table_writer_detail
 
 TableWriter::TableWriter(ProviderConnection& connection, std::vector<FieldDefinition> columns, const QueryShape& shape)
-    : connection_(connection), columns_(std::move(columns)) {
+    : connection_(connection), columns_(std::move(columns)), prepared_(connection) {
     reason_ = FindReason(shape);
 }
 
@@ -107,14 +106,6 @@ AnsiString TableWriter::Condition(const Record& original, const std::vector<size
     return text;
 }
 
-ProviderStatement& TableWriter::Prepared(const AnsiString& sql) {
-    for (const auto& [text, statement] : prepared_)
-        if (text == sql) return *statement;
-    if (prepared_.size() >= table_writer_detail::kKeptStatements) prepared_.erase(prepared_.begin());
-    prepared_.emplace_back(sql, connection_.Prepare(sql));
-    return *prepared_.back().second;
-}
-
 bool TableWriter::FetchInto(const AnsiString& sql, const std::vector<ProviderValue>& values, Record& record) {
     const std::vector<size_t> ours = OurColumns();
     std::vector<FieldDefinition> definitions;
@@ -123,7 +114,7 @@ bool TableWriter::FetchInto(const AnsiString& sql, const std::vector<ProviderVal
         definitions.push_back(columns_[column]);
         kinds.push_back(ColumnKindOf(columns_[column].DataType));
     }
-    ProviderStatement& statement = Prepared(sql);
+    ProviderStatement& statement = prepared_.Get(sql);
     statement.ExpectColumns(definitions);
     statement.Bind(values);
     RowStore rows(kinds);
@@ -166,7 +157,7 @@ void TableWriter::Insert(Record& record) {
         return;
     }
     table_writer_detail::WritingTransaction transaction(connection_);
-    ProviderStatement& statement = Prepared(sql);
+    ProviderStatement& statement = prepared_.Get(sql);
     statement.Bind(values);
     if (statement.Execute() == 0) throw EDatabaseError("The record was not inserted into " + table_);
     ReadInserted(record);
@@ -180,7 +171,7 @@ void TableWriter::ReadInserted(Record& record) {
         // What was not given was counted.
         const AnsiString query = connection_.LastKeyQuery();
         if (key_.size() != 1 || query.empty()) return;
-        ProviderStatement& statement = Prepared(query);
+        ProviderStatement& statement = prepared_.Get(query);
         statement.ExpectColumns({{"key", ftLargeint}});
         statement.Bind({});
         RowStore rows({ColumnKind::Integer});
@@ -206,7 +197,7 @@ bool TableWriter::UpdateWhere(const Record& original, Record& record, const std:
     const AnsiString sql = "UPDATE " + connection_.Dialect().QuotedName(table_) + " SET " + sets +
                            Condition(original, compared, values) + returning;
     if (!returning.empty()) return FetchInto(sql, values, record);
-    ProviderStatement& statement = Prepared(sql);
+    ProviderStatement& statement = prepared_.Get(sql);
     statement.Bind(values);
     if (statement.Execute() == 0) return false;
     Reread(Record(record), record);
@@ -235,7 +226,7 @@ void TableWriter::Delete(const Record& original) {
     const AnsiString from = "DELETE FROM " + connection_.Dialect().QuotedName(table_);
     const auto run = [&](const std::vector<size_t>& compared) {
         std::vector<ProviderValue> values;
-        ProviderStatement& statement = Prepared(from + Condition(original, compared, values));
+        ProviderStatement& statement = prepared_.Get(from + Condition(original, compared, values));
         statement.Bind(values);
         return statement.Execute() > 0;
     };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/access/provider.h"
+#include "platform/access/prepared_statements.h"
 
 namespace vyn {
 
@@ -16,6 +16,9 @@ class TableWriter {
 
     // A sentence for the user, or empty when records can be written.
     const AnsiString& ReasonNotToWrite() const { return reason_; }
+    // The table and its primary key's columns, in their order; without a reason not to write.
+    const AnsiString& Table() const { return table_; }
+    const std::vector<size_t>& Key() const { return key_; }
     void Insert(Record& record);
     void Update(const Record& original, Record& record);
     void Delete(const Record& original);
@@ -36,8 +39,6 @@ class TableWriter {
                      const std::vector<size_t>& compared);
     // Runs a statement that gives one of our records; false when it gives none.
     bool FetchInto(const AnsiString& sql, const std::vector<ProviderValue>& values, Record& record);
-    // Statements are kept, so that writing many records prepares few.
-    ProviderStatement& Prepared(const AnsiString& sql);
     // Reads the record that was inserted just now.
     void ReadInserted(Record& record);
     [[noreturn]] void RaiseConflict(const Record& original, const Record* mine, const Record* theirs,
@@ -48,7 +49,8 @@ class TableWriter {
     AnsiString table_;
     AnsiString reason_;
     std::vector<size_t> key_;
-    std::vector<std::pair<AnsiString, std::unique_ptr<ProviderStatement>>> prepared_;
+    // Writing many records prepares few statements.
+    PreparedStatements prepared_;
 };
 
 }  // namespace vyn

@@ -58,6 +58,7 @@ void TCustomDBGrid::DataChanged(DataEvent event) {
     switch (event) {
         case DataEvent::ActiveChanged:
             topRecord_ = 0;
+            topNumbersMoved_ = DataSet() ? DataSet()->NumbersMoved() : 0;
             shownValid_ = false;
             selectedRows_.Clear();
             searched_.clear();
@@ -128,16 +129,19 @@ void TCustomDBGrid::DeleteRecords() {
         data->Delete();
 }
 
-void TCustomDBGrid::MarkRange(int64_t from, int64_t to) {
+bool TCustomDBGrid::MarkRange() {
+    const int64_t from = DataSet()->RecordOf(markedFrom_), to = DataSet()->CurrentRecord();
+    if (from < 0) return false;
     selectedRows_.Clear();
     for (int64_t record = std::min(from, to); record <= std::max(from, to); ++record) selectedRows_.Set(record, true);
+    return true;
 }
 
 void TCustomDBGrid::MarkTo(int64_t distance) {
     TDataSet* data = DataSet();
-    if (markedFrom_ < 0 || selectedRows_.Count() == 0) markedFrom_ = data->CurrentRecord();
+    if (data->RecordOf(markedFrom_) < 0 || selectedRows_.Count() == 0) markedFrom_ = data->GetBookmark();
     data->MoveBy(distance);
-    MarkRange(markedFrom_, data->CurrentRecord());
+    MarkRange();
 }
 
 bool TCustomDBGrid::EditingKey(uint16_t key, TShiftState shift) {
@@ -190,7 +194,7 @@ bool TCustomDBGrid::EditingKey(uint16_t key, TShiftState shift) {
         case VK_SPACE:
             if (!ctrl || !Has(dgMultiSelect)) return false;
             selectedRows_.SetCurrentRowSelected(!selectedRows_.CurrentRowSelected());
-            markedFrom_ = data->CurrentRecord();
+            markedFrom_ = data->GetBookmark();
             return true;
         case 'C':
             if (!ctrl || alt) return false;
@@ -260,13 +264,11 @@ void TCustomDBGrid::ProcessCellClick(int64_t record, int column, TShiftState shi
     if (Has(dgMultiSelect)) {
         if (shift.Contains(ssCtrl)) {
             selectedRows_.SetCurrentRowSelected(!selectedRows_.CurrentRowSelected());
-            markedFrom_ = data->CurrentRecord();
-        } else if (shift.Contains(ssShift) && markedFrom_ >= 0) {
-            MarkRange(markedFrom_, data->CurrentRecord());
-        } else {
+            markedFrom_ = data->GetBookmark();
+        } else if (!shift.Contains(ssShift) || !MarkRange()) {
             selectedRows_.Clear();
             selectedRows_.SetCurrentRowSelected(true);
-            markedFrom_ = data->CurrentRecord();
+            markedFrom_ = data->GetBookmark();
         }
     }
     // The second click on a cell edits it.
@@ -331,6 +333,15 @@ void TCustomDBGrid::CopyToClipboard() {
     };
     if (!marked) {
         add(data->CurrentRecord());
+    } else if (data->IsPaged()) {
+        // Where they stand only the engine knows: as they were first seen.
+        const DisabledControls quiet(*data);
+        const TBookmark here = data->GetBookmark();
+        for (int i = 0; i < selectedRows_.Count(); ++i) {
+            data->GotoBookmark(selectedRows_.Items(i));
+            add(data->CurrentRecord());
+        }
+        data->GotoBookmark(here);
     } else {
         for (int64_t record = 0; record < data->RecordsFetched(); ++record)
             if (selectedRows_.Contains(record)) add(record);

@@ -345,28 +345,41 @@ TRect TCustomDBGrid::CellRect(int column, int64_t record) const {
     for (int i = 0; i < column && i < static_cast<int>(columns.size()); ++i)
         left += columns[static_cast<size_t>(i)]->Width();
     const int width = column < static_cast<int>(columns.size()) ? columns[static_cast<size_t>(column)]->Width() : 0;
-    const int64_t row = std::clamp<int64_t>(record - topRecord_, -1, VisibleRows() + 1);
+    const int64_t row = std::clamp<int64_t>(record - TopRecord(), -1, VisibleRows() + 1);
     return Bounds(left, TitleHeight() + static_cast<int>(row) * RowHeight(), width, RowHeight());
+}
+
+int64_t TCustomDBGrid::TopRecord() const {
+    const TDataSet* data = DataSet();
+    return data ? topRecord_ + data->NumbersMoved() - topNumbersMoved_ : 0;
 }
 
 void TCustomDBGrid::SetTopRecord(int64_t record) {
     TDataSet* data = DataSet();
     if (!data) return;
     record = std::max<int64_t>(record, 0);
-    const int64_t fetched = data->FetchTo(record + VisibleRows());
-    const int64_t top = std::clamp<int64_t>(record, 0, std::max<int64_t>(0, fetched - VisibleRows()));
-    if (top == topRecord_) return;
+    const int rows = VisibleRows();
+    const auto among = [&](int64_t wanted, int64_t end) {
+        return std::clamp(wanted, data->FirstRecord(), std::max(data->FirstRecord(), end - rows));
+    };
+    int64_t top = among(record, data->Reach(record, rows));
+    // At the end a whole screen of records stands before it.
+    if (top < record) top = among(top, data->Reach(top, rows));
+    top += data->SettleNumbers();
+    if (top == TopRecord()) return;
     topRecord_ = top;
+    topNumbersMoved_ = data->NumbersMoved();
     PeerChanged(PeerChange::Scroll);
 }
 
 void TCustomDBGrid::KeepCurrentInSight() {
-    const TDataSet* data = DataSet();
+    TDataSet* data = DataSet();
     if (!data || data->CurrentRecord() < 0) return;
+    data->ShowCurrent();
     const int64_t current = data->CurrentRecord();
-    if (current < topRecord_)
+    if (current < TopRecord())
         SetTopRecord(current);
-    else if (current >= topRecord_ + VisibleRows())
+    else if (current >= TopRecord() + VisibleRows())
         SetTopRecord(current - VisibleRows() + 1);
 }
 
@@ -383,7 +396,8 @@ void TCustomDBGrid::Loaded() {
 AnsiString TCustomDBGrid::CellText(int64_t record, const TColumn& column) {
     TDataSet* data = DataSet();
     const TField* field = column.Field();
-    if (!data || !field || record < 0 || record >= data->FetchTo(record + 1)) return {};
+    if (!data || !field || record < 0) return {};
+    if (data->RowOf(record) < 0 && (record >= data->Reach(record, 1) || data->RowOf(record) < 0)) return {};
     return field->DisplayTextOf(record);
 }
 
@@ -516,7 +530,7 @@ void TCustomDBGrid::KeyDown(uint16_t& key, TShiftState shift) {
 
 bool TCustomDBGrid::DoMouseWheel(TShiftState shift, int wheelDelta, TPoint mousePos) {
     if (TWinControl::DoMouseWheel(shift, wheelDelta, mousePos)) return true;
-    SetTopRecord(topRecord_ - wheelDelta / db_grid_detail::kWheelStep * db_grid_detail::kRowsANotch);
+    SetTopRecord(TopRecord() - wheelDelta / db_grid_detail::kWheelStep * db_grid_detail::kRowsANotch);
     return true;
 }
 

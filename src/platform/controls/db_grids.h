@@ -151,6 +151,7 @@ using TMovedEvent = Event<void(TObject* Sender, int FromIndex, int ToIndex)>;
 // Shows the records of a dataset in rows and its fields in columns.
 //
 // Rows are records by number; only those that are shown are asked for, and more are fetched when the user goes to them.
+// Over a paged result the scroll bar's length, and where it goes, are estimates; what is shown is exact.
 // Without columns of its own the grid shows the dataset's visible fields. A click on a title sorts by the column, the
 // next one the other way round, unless OnTitleClick is there to do something else.
 //
@@ -202,7 +203,7 @@ class TCustomDBGrid : public TWinControl {
     void SetSelectedIndex(int value);
     TField* SelectedField() const;
     // The record of the first row shown.
-    int64_t TopRecord() const { return topRecord_; }
+    int64_t TopRecord() const;
     void SetTopRecord(int64_t record);
     int VisibleRows() const;
     int RowHeight() const;
@@ -281,7 +282,8 @@ class TCustomDBGrid : public TWinControl {
     void MoveUp();
     void DeleteRecords();
     void MarkTo(int64_t distance);
-    void MarkRange(int64_t from, int64_t to);
+    // From the record that was marked first to the current one; false when that is far away.
+    bool MarkRange();
     void SearchFor(char key);
     TColumn* SelectedColumn() const;
     TDataLink& DataLink();
@@ -301,9 +303,10 @@ class TCustomDBGrid : public TWinControl {
     int selectedColumn_ = 0;
     int leftOffset_ = 0;
     int64_t topRecord_ = 0;
+    int64_t topNumbersMoved_ = 0;  // the dataset's when it was set
     std::unique_ptr<CellEditor> editor_;
     TBookmarkList selectedRows_{*this};
-    int64_t markedFrom_ = -1;
+    TBookmark markedFrom_;
     // What is searched for, in which column, and when the last of it was typed.
     AnsiString searched_;
     int searchedColumn_ = -1;

@@ -73,6 +73,8 @@ void TDataSet::GetChildren(const std::function<void(TComponent*)>& visit, TCompo
 void TDataSet::StartRows() {
     std::vector<ColumnKind> kinds;
     for (const FieldDefinition& definition : definitions_) kinds.push_back(ColumnKindOf(definition.DataType));
+    window_.reset();
+    keys_.reset();
     rows_ = std::make_unique<RowStore>(std::move(kinds));
     ++opening_;
     allFetched_ = false;
@@ -81,6 +83,15 @@ void TDataSet::StartRows() {
     view_.clear();
     calculatedRow_ = -1;
     current_ = -1;
+}
+
+void TDataSet::StartWindow() {
+    // What is filtered here has to be read to be known.
+    if (filtered_) return;
+    std::unique_ptr<RowPages> pages = InternalPages(SortParts());
+    if (!pages) return;
+    if (!keys_) keys_ = std::make_unique<RowKeys>(pages->KeyColumns());
+    window_ = std::make_unique<RowWindow>(std::move(pages), *rows_, *keys_, current_);
 }
 
 void TDataSet::DoOpen() {
@@ -93,10 +104,13 @@ void TDataSet::DoOpen() {
         BindFields();
         CompileFilter();
         state_ = dsBrowse;
+        StartWindow();
         RebuildView();
         FetchTo(1);
     } catch (...) {
         compiledFilter_.reset();
+        window_.reset();
+        keys_.reset();
         InternalClose();
         FreeOwnFields();
         for (TField* field : fields_) field->Unbind();
@@ -123,6 +137,8 @@ void TDataSet::DoClose() {
     compiledFilter_.reset();
     FreeOwnFields();
     for (TField* field : fields_) field->Unbind();
+    window_.reset();
+    keys_.reset();
     rows_.reset();
     viewed_ = false;
     view_.clear();
@@ -150,6 +166,7 @@ void TDataSet::Requery() {
             CompileFilter();
         }
         state_ = dsBrowse;
+        StartWindow();
         RebuildView();
         FetchTo(1);
         current_ = RecordsFetched() > 0 ? 0 : -1;
@@ -166,6 +183,20 @@ void TDataSet::Requery() {
 void TDataSet::Refresh() {
     CheckBrowseMode();
     BeforeRefresh(this);
+    TryReadingAgain();
+    if (window_) {
+        const bool any = window_->Reload();
+        calculatedRow_ = -1;
+        bof_ = !any;
+        eof_ = !any;
+        Announce(DataEvent::RecordsChanged);
+    } else {
+        ReopenAtCurrent(Bookmarks::Forget);
+    }
+    AfterRefresh(this);
+}
+
+void TDataSet::ReopenAtCurrent(Bookmarks bookmarks) {
     AnsiString keys;
     std::vector<Variant> values;
     for (const TField* field : fields_) {
@@ -174,14 +205,19 @@ void TDataSet::Refresh() {
         values.push_back(field->Value());
     }
     const int64_t record = current_;
-    {
-        const DisabledControls quiet(*this);
-        Requery();
-        // Without a key, or when the record is gone: what stands at its place.
-        if (keys.empty() || record < 0 || !Locate(keys, values))
-            if (record > 0) SetCurrentRecord(std::min(record, FetchTo(record + 1) - 1));
+    const DisabledControls quiet(*this);
+    std::unique_ptr<RowKeys> kept = std::move(keys_);
+    const int opening = opening_;
+    Requery();
+    if (bookmarks == Bookmarks::Keep && kept) {
+        // A window has hold of them.
+        if (!keys_) keys_ = std::make_unique<RowKeys>(std::vector<size_t>());
+        *keys_ = std::move(*kept);
+        opening_ = opening;
     }
-    AfterRefresh(this);
+    // Without a key, or when the record is gone: what stands at its place.
+    if (keys.empty() || record < 0 || !Locate(keys, values))
+        if (record > 0) SetCurrentRecord(std::min(record, FetchTo(record + 1) - 1));
 }
 
 void TDataSet::BindFields() {
@@ -237,18 +273,43 @@ const RowStore& TDataSet::Rows() const {
 
 int64_t TDataSet::RecordsFetched() const {
     if (!rows_) return 0;
+    if (window_) return window_->End();
     return viewed_ ? static_cast<int64_t>(view_.size()) : rows_->Count();
 }
 
+int64_t TDataSet::RecordsExpected() const {
+    if (window_) return window_->Expected();
+    return RecordsFetched() + (AllFetched() ? 0 : 1);
+}
+
 int64_t TDataSet::RowOf(int64_t record) const {
+    if (window_) return window_->RowOf(record);
     if (record < 0 || record >= RecordsFetched()) return -1;
     return viewed_ ? view_[static_cast<size_t>(record)] : record;
 }
 
 int64_t TDataSet::ActiveRow() const { return focused_ ? focus_ : RowOf(current_); }
 
+int64_t TDataSet::Reach(int64_t record, int64_t count) {
+    if (!window_) return FetchTo(record + count);
+    // What only shows records is not told again and again.
+    if (ReadingFailed()) return window_->End();
+    // Rows change their places in memory: not while one of them is looked at.
+    if (window_->WantsCompacting() && !focused_) {
+        window_->Compact();
+        calculatedRow_ = -1;
+    }
+    try {
+        return window_->Reach(record, count);
+    } catch (const EDatabaseError& error) {
+        readingError_ = error.Message() + data_set_detail::kIncomplete;
+        throw;
+    }
+}
+
 int64_t TDataSet::FetchTo(int64_t count) {
     if (!rows_) return 0;
+    if (window_) return count == data_set_detail::kEverything ? LastRecord() + 1 : Reach(count - 1, 1);
     while (!allFetched_ && RecordsFetched() < count) {
         const int64_t from = rows_->Count();
         const int64_t step = std::clamp(from / data_set_detail::kFetchedPerStep, data_set_detail::kFetchStep,
@@ -271,39 +332,65 @@ int64_t TDataSet::FetchTo(int64_t count) {
     return RecordsFetched();
 }
 
-int64_t TDataSet::RecordCount() { return FetchTo(data_set_detail::kEverything); }
+int64_t TDataSet::RecordCount() { return window_ ? window_->Count() : FetchTo(data_set_detail::kEverything); }
 
-bool TDataSet::IsEmpty() { return FetchTo(1) == 0; }
+int64_t TDataSet::LastRecord() {
+    if (window_)
+        window_->GoEnd();
+    else
+        FetchTo(data_set_detail::kEverything);
+    return RecordsFetched() - 1;
+}
+
+int64_t TDataSet::SettleNumbers() {
+    const int64_t shift = window_ ? window_->Settle() : 0;
+    numbersMoved_ += shift;
+    return shift;
+}
+
+void TDataSet::ShowCurrent() {
+    if (window_ && !window_->HoldsCurrent() && state_ != dsInsert) window_->ShowAround(RowOf(current_));
+}
+
+bool TDataSet::IsEmpty() { return window_ ? AllFetched() && FirstRecord() == RecordsFetched() : FetchTo(1) == 0; }
 
 void TDataSet::MoveTo(int64_t record) {
+    const int64_t moved = NumbersMoved();
     BeforeScroll(this);
     CheckActive();
-    current_ = std::min(record, RecordsFetched() - 1);
+    current_ = std::min(record + NumbersMoved() - moved, RecordsFetched() - 1);
+    if (window_) window_->CurrentChanged();
+    SettleNumbers();
     Announce(DataEvent::Scrolled);
     AfterScroll(this);
 }
 
 void TDataSet::SetCurrentRecord(int64_t record) {
     if (record < 0 || record >= FetchTo(record + 1) || record == current_) return;
+    const int64_t moved = NumbersMoved();
     CheckBrowseMode();
+    record += NumbersMoved() - moved;
     bof_ = eof_ = false;
     // What stood there may have gone with the record that was left.
-    if (RecordsFetched() > 0) MoveTo(std::min(record, RecordsFetched() - 1));
+    if (RecordsFetched() > 0) MoveTo(std::clamp(record, FirstRecord(), RecordsFetched() - 1));
 }
 
 void TDataSet::First() {
     CheckBrowseMode();
-    eof_ = RecordsFetched() == 0;
+    TryReadingAgain();
+    if (window_) window_->GoStart();
+    eof_ = RecordsFetched() == FirstRecord();
     bof_ = true;
-    MoveTo(RecordsFetched() > 0 ? 0 : -1);
+    MoveTo(eof_ ? -1 : FirstRecord());
 }
 
 void TDataSet::Last() {
     CheckBrowseMode();
-    const int64_t count = RecordCount();
-    bof_ = count == 0;
+    TryReadingAgain();
+    const int64_t last = LastRecord();
+    bof_ = last < FirstRecord();
     eof_ = true;
-    MoveTo(count - 1);
+    MoveTo(bof_ ? -1 : last);
 }
 
 int64_t TDataSet::MoveBy(int64_t distance) {
@@ -311,11 +398,17 @@ int64_t TDataSet::MoveBy(int64_t distance) {
     if (distance == 0) return 0;
     CheckBrowseMode();
     if (current_ < 0) return 0;
+    TryReadingAgain();
+    ShowCurrent();
+    SettleNumbers();
     const int64_t wanted = current_ + distance;
-    const int64_t last =
-        std::max<int64_t>(wanted, 0) >= RecordsFetched() ? FetchTo(wanted + 1) - 1 : RecordsFetched() - 1;
-    const int64_t target = std::clamp<int64_t>(wanted, 0, last);
-    bof_ = wanted < 0;
+    if (window_) {
+        window_->StepTo(wanted);
+    } else if (std::max<int64_t>(wanted, 0) >= RecordsFetched()) {
+        FetchTo(wanted + 1);
+    }
+    const int64_t target = std::clamp(wanted, FirstRecord(), RecordsFetched() - 1);
+    bof_ = wanted < target;
     eof_ = wanted > target;
     const int64_t moved = target - current_;
     MoveTo(target);

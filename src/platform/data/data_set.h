@@ -7,7 +7,7 @@
 #include "platform/data/data_source.h"
 #include "platform/data/fields.h"
 #include "platform/data/row_expression.h"
-#include "platform/data/row_store.h"
+#include "platform/data/row_window.h"
 #include "platform/text/exceptions.h"
 
 namespace vyn {
@@ -22,7 +22,7 @@ const EnumType& TypeInfoOf(TypeTag<TLocateOption>);
 enum class TDataAction { daFail, daAbort, daRetry };
 using enum TDataAction;
 
-// A record that can be gone back to while the dataset stays open, also when others come and go.
+// A record that can be gone back to while the dataset stays open, also when others come and go, and in another order.
 struct TBookmark {
     int64_t Identity = -1;
     int Opening = 0;
@@ -37,9 +37,11 @@ using TDataSetErrorEvent = Event<void(TDataSet* DataSet, EDatabaseError& Error, 
 // Records from somewhere, one of which is the current one.
 //
 // Reading: rows are fetched as they are asked for, in order, and kept in a RowStore; RecordsFetched says how many there
-// are so far, FetchTo gets more. Editing: Edit, Insert or Append begin, fields are set, Post writes and Cancel forgets;
-// moving away posts. Everything that shows the dataset hears of changes through data sources, once, when
-// DisableControls is not in force. Errors are EDatabaseError. Main thread only.
+// are so far, FetchTo gets more. Of a large result that its source reads in pages only a window is kept (RowWindow):
+// its records have the numbers FirstRecord to RecordsFetched - 1, and asking for others moves it. Editing: Edit, Insert
+// or Append begin, fields are set, Post writes and Cancel forgets; moving away posts. Everything that shows the dataset
+// hears of changes through data sources, once, when DisableControls is not in force. Errors are EDatabaseError. Main
+// thread only.
 class TDataSet : public TComponent {
     VYN_OBJECT
   public:
@@ -66,22 +68,36 @@ class TDataSet : public TComponent {
     bool Bof() const { return bof_; }
     bool Eof() const { return eof_; }
     bool IsEmpty();
-    // 0 to RecordsFetched - 1, or -1 in an empty dataset.
+    // FirstRecord to RecordsFetched - 1, or -1 in an empty dataset; outside them while a window is elsewhere.
     int64_t CurrentRecord() const { return current_; }
     void SetCurrentRecord(int64_t record);
     // 1 upward for people; 0 in an empty dataset.
     int64_t RecNo() const { return current_ + 1; }
 
     // The records.
+    bool IsPaged() const { return window_ != nullptr; }
+    int64_t FirstRecord() const { return window_ ? window_->First() : 0; }
     int64_t RecordsFetched() const;
-    // Fetches until that many are there; gives how many there are. Once fetching failed, what is there stays, and no
-    // more is asked for until the dataset is refreshed or opened again; what needs all records raises the error anew.
+    // Fetches until that many are there; gives how many there are. A window moves to the last of them. Once fetching
+    // failed, what is there stays, and no more is asked for until the dataset is refreshed or opened again, or moved
+    // in a window; what needs all records raises the error anew.
     int64_t FetchTo(int64_t count);
-    bool AllFetched() const { return allFetched_; }
+    // Has these records at hand, as far as there are such; a window goes straight to far ones, by an estimate where
+    // they stand. Gives RecordsFetched.
+    int64_t Reach(int64_t record, int64_t count);
+    bool AllFetched() const { return window_ ? window_->AtStart() && window_->AtEnd() : allFetched_; }
     // Whether fetching failed on the way.
     bool ReadingFailed() const { return !readingError_.empty(); }
-    // Fetches all.
+    // How many records there are as far as is known without fetching them.
+    int64_t RecordsExpected() const;
+    // Fetches all; of a paged result, has the engine count.
     int64_t RecordCount();
+    // Puts a window's numbers right, which were estimated; gives by how much they changed. NumbersMoved is the sum of
+    // it: who keeps the number of a record adds what came to it since.
+    int64_t SettleNumbers();
+    int64_t NumbersMoved() const { return numbersMoved_; }
+    // Has a window go to where the current record stands, unless that is new.
+    void ShowCurrent();
     const RowStore& Rows() const;
     // Where a record stands in the rows.
     int64_t RowOf(int64_t record) const;
@@ -97,6 +113,8 @@ class TDataSet : public TComponent {
     // The same of any fetched record; empty beyond them.
     TBookmark BookmarkOf(int64_t record) const;
     bool BookmarkValid(TBookmark bookmark) const;
+    // The record's number, when it is at hand; else -1.
+    int64_t RecordOf(TBookmark bookmark) const;
     // Raises EDatabaseError "Record not found" for a record that is gone.
     void GotoBookmark(TBookmark bookmark);
 
@@ -115,6 +133,7 @@ class TDataSet : public TComponent {
     bool FindPrior() { return Find(current_ - 1, -1); }
     bool FindLast() { return Find(RecordCount() - 1, -1); }
     // In which order: names of fields, separated by commas, each perhaps followed by ASC or DESC; empty: as they come.
+    // Texts are ordered as people do, without regard to case; those of a paged result as its engine orders them.
     const AnsiString& Sort() const { return sort_; }
     void SetSort(const AnsiString& value);
 
@@ -175,6 +194,14 @@ class TDataSet : public TComponent {
     // Puts up to `count` further rows into the store; false when there are no more.
     virtual bool InternalFetch(RowStore& rows, int64_t count) = 0;
     virtual void InternalClose() = 0;
+    // One part of an order.
+    struct SortPart {
+        const TField* Field;
+        bool Descending;
+    };
+    // The open result as pages, in the order asked for or else its own; null when it is not large, or cannot be read
+    // so. InternalFetch is not called then.
+    virtual std::unique_ptr<RowPages> InternalPages(const std::vector<SortPart>& order) { return nullptr; }
     // A sentence for the user, or empty when records may be changed.
     virtual AnsiString ReasonNotToModify() const { return "Cannot modify a read-only dataset"; }
     // A record is about to be edited; it may be brought up to date.
@@ -205,10 +232,21 @@ class TDataSet : public TComponent {
     void RequireAllRead() {
         if (ReadingFailed()) RecordCount();
     }
+    // A window is read wherever somebody goes.
+    void TryReadingAgain() {
+        if (window_) readingError_.clear();
+    }
+    void StartWindow();
+    int64_t LastRecord();
+    std::vector<SortPart> SortParts() const;
+    enum class Bookmarks { Forget, Keep };
+    void ReopenAtCurrent(Bookmarks bookmarks);
+    void GoTo(TBookmark bookmark);
     void BindFields();
     void FreeOwnFields();
     void MoveTo(int64_t record);
-    int64_t FindRecord(const KeyMatcher& matcher);
+    // The first row that matches, or -1.
+    int64_t FindRow(const KeyMatcher& matcher);
     TField* DataFieldByName(const AnsiString& name) const;
     // The row whose values fields give: the current record's, or that of the record being looked at.
     int64_t ActiveRow() const;
@@ -240,10 +278,14 @@ class TDataSet : public TComponent {
     std::vector<TField*> ownFields_;  // made by opening
     std::vector<FieldDefinition> definitions_;
     std::unique_ptr<RowStore> rows_;
+    // Bookmarks by keys, since the dataset is, or was, paged.
+    std::unique_ptr<RowKeys> keys_;
+    std::unique_ptr<RowWindow> window_;
     int opening_ = 0;
     bool allFetched_ = true;
     AnsiString readingError_;
     int64_t current_ = -1;
+    int64_t numbersMoved_ = 0;
     bool bof_ = true;
     bool eof_ = true;
     // Records as rows, when they are filtered or sorted.
@@ -259,6 +301,8 @@ class TDataSet : public TComponent {
     Record original_;
     bool modified_ = false;
     int64_t beforeInsert_ = -1;
+    int64_t numbersBeforeInsert_ = 0;
+    TBookmark farBeforeInsert_;
     // What is looked at instead of the current record: a row, or none.
     int64_t focus_ = -1;
     bool focused_ = false;

@@ -39,9 +39,11 @@ const Cell* TDataSet::EditedCell(int64_t row, int column) const {
 void TDataSet::StopEditing() {
     if (state_ == dsInsert && rows_ && current_ >= 0) {
         // The record that was begun goes, and the one before it is current again.
+        const int64_t numbers = NumbersMoved();
         RemoveRecord(current_);
-        current_ = std::min(beforeInsert_, RecordsFetched() - 1);
-        if (current_ < 0 && RecordsFetched() > 0) current_ = 0;
+        current_ = std::min(beforeInsert_ < 0 ? beforeInsert_ : beforeInsert_ + numbers - numbersBeforeInsert_,
+                            RecordsFetched() - 1);
+        if (current_ < FirstRecord()) current_ = RecordsFetched() > FirstRecord() ? FirstRecord() : -1;
         if (current_ < 0) bof_ = eof_ = true;
     }
     if (IsEditing()) state_ = dsBrowse;
@@ -52,6 +54,11 @@ void TDataSet::StopEditing() {
 }
 
 void TDataSet::RemoveRecord(int64_t record) {
+    if (window_) {
+        window_->Remove(record);
+        calculatedRow_ = -1;
+        return;
+    }
     const int64_t row = RowOf(record);
     rows_->Remove(row);
     calculatedRow_ = -1;
@@ -89,13 +96,14 @@ void TDataSet::Edit() {
 
 void TDataSet::Insert() {
     CheckBrowseMode();
+    ShowCurrent();
     BeginInsert(std::max<int64_t>(current_, 0));
 }
 
 void TDataSet::Append() {
     CheckBrowseMode();
     CheckCanModify();
-    BeginInsert(RecordCount());
+    BeginInsert(LastRecord() + 1);
 }
 
 void TDataSet::BeginInsert(int64_t at) {
@@ -104,10 +112,16 @@ void TDataSet::BeginInsert(int64_t at) {
     BeforeScroll(this);
     CheckActive();
     if (IsEditing()) DatabaseError("A handler began to edit another record");
-    at = std::min(at, RecordsFetched());
+    at = std::clamp(at, FirstRecord(), RecordsFetched());
     const size_t columns = definitions_.size();
     beforeInsert_ = current_;
-    if (viewed_) {
+    numbersBeforeInsert_ = NumbersMoved();
+    farBeforeInsert_ = window_ && !window_->HoldsCurrent() ? GetBookmark() : TBookmark();
+    if (window_) {
+        rows_->Append(Record(columns));
+        window_->Insert(at, rows_->Count() - 1);
+        window_->CurrentChanged();
+    } else if (viewed_) {
         const int64_t row = rows_->Count();
         rows_->Insert(row, Record(columns));
         view_.insert(view_.begin() + at, row);
@@ -230,7 +244,9 @@ void TDataSet::WriteCurrent() {
         InternalInsert(record);
     else if (!(edited_ == original_))
         InternalUpdate(original_, record);
-    rows_->Replace(RowOf(current_), record);
+    const int64_t row = RowOf(current_);
+    rows_->Replace(row, record);
+    if (window_) window_->Written(row);
 }
 
 void TDataSet::Post() {
@@ -259,6 +275,10 @@ void TDataSet::Cancel() {
     if (inserting) BeforeScroll(this);
     if (!IsEditing()) return;
     StopEditing();
+    if (inserting && !farBeforeInsert_.Empty()) {
+        const int64_t row = window_->RowOfIdentity(farBeforeInsert_.Identity);
+        if (row >= 0) window_->ShowAround(row);
+    }
     Announce(DataEvent::StateChanged);
     Announce(inserting ? DataEvent::RecordsChanged : DataEvent::RecordChanged);
     AfterCancel(this);
@@ -273,6 +293,7 @@ void TDataSet::Delete() {
     }
     if (current_ < 0) DatabaseError(data_set_editing_detail::kEmpty);
     CheckCanModify();
+    ShowCurrent();
     Announce(DataEvent::CheckBrowse);
     BeforeDelete(this);
     BeforeScroll(this);
@@ -282,8 +303,11 @@ void TDataSet::Delete() {
     WithErrorEvent(OnDeleteError, [&] { InternalDelete(original); });
     const bool wasEditing = IsEditing();
     StopEditing();
+    if (keys_) keys_->Forget(*rows_, RowOf(current_));
     RemoveRecord(current_);
     current_ = std::min(current_, FetchTo(current_ + 1) - 1);
+    if (window_ && current_ < FirstRecord()) window_->StepTo(current_);
+    if (current_ < FirstRecord()) current_ = -1;
     if (current_ < 0) bof_ = eof_ = true;
     if (wasEditing) Announce(DataEvent::StateChanged);
     Announce(DataEvent::RecordsChanged);

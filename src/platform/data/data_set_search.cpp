@@ -63,6 +63,33 @@ struct TDataSet::KeyMatcher {
         return std::all_of(keys.begin(), keys.end(), [&](const Key& key) { return KeyMatches(key, row); });
     }
 
+    // What an engine can look for, which finds no less; nothing for values that engines hold otherwise than they are
+    // shown.
+    std::vector<PageSearch> Searches() const {
+        std::vector<PageSearch> searches;
+        for (const Key& key : keys) {
+            const int column = key.field->FieldKind() == fkData ? key.field->FieldNo() : -1;
+            if (column < 0) continue;
+            PageSearch search{column, PageSearch::How::Equal, Cell::Null(), false};
+            const bool none = key.value.IsNull() || key.value.IsEmpty();
+            const ColumnKind kind = ColumnKindOf(key.field->DataType());
+            if (!none && kind == ColumnKind::Text) {
+                search.Value = Cell::Bytes(key.utf8);
+                search.Partial = options.Contains(loPartialKey);
+                if (options.Contains(loCaseInsensitive))
+                    search.Comparison = PageSearch::How::Like;
+                else if (search.Partial)
+                    search.Comparison = PageSearch::How::Begins;
+            } else if (!none && kind == ColumnKind::Integer && key.field->DataType() != ftBoolean) {
+                search.Value = CellOf(key.value, key.field->DataType());
+            } else if (!none) {
+                continue;
+            }
+            searches.push_back(std::move(search));
+        }
+        return searches;
+    }
+
   private:
     bool KeyMatches(const Key& key, int64_t row) const {
         const bool none = key.field->IsNullInRow(row);
@@ -85,9 +112,11 @@ struct TDataSet::KeyMatcher {
     }
 };
 
-int64_t TDataSet::FindRecord(const KeyMatcher& matcher) {
+int64_t TDataSet::FindRow(const KeyMatcher& matcher) {
+    TryReadingAgain();
+    if (window_) return window_->Find(matcher.Searches(), [&](int64_t row) { return matcher.Matches(row); });
     for (int64_t record = 0; record < FetchTo(record + 1); ++record)
-        if (matcher.Matches(RowOf(record))) return record;
+        if (const int64_t row = RowOf(record); matcher.Matches(row)) return row;
     RequireAllRead();
     return -1;
 }
@@ -98,10 +127,9 @@ bool TDataSet::Locate(const AnsiString& keyFields, const Variant& value, TLocate
 
 bool TDataSet::Locate(const AnsiString& keyFields, const std::vector<Variant>& values, TLocateOptions options) {
     CheckBrowseMode();
-    const int64_t record = FindRecord(KeyMatcher(*this, keyFields, values, options));
-    if (record < 0) return false;
-    bof_ = eof_ = false;
-    MoveTo(record);
+    const int64_t row = FindRow(KeyMatcher(*this, keyFields, values, options));
+    if (row < 0) return false;
+    GoTo({keys_ ? keys_->IdentityOf(*rows_, row) : rows_->Identity(row), opening_});
     return true;
 }
 
@@ -113,28 +141,69 @@ Variant TDataSet::Lookup(const AnsiString& keyFields, const std::vector<Variant>
                          const AnsiString& resultField) {
     CheckActive();
     const TField* field = FieldByName(resultField);
-    const int64_t record = FindRecord(KeyMatcher(*this, keyFields, values, {}));
-    return record < 0 ? Variant::Null() : field->ValueIn(record);
+    const int64_t row = FindRow(KeyMatcher(*this, keyFields, values, {}));
+    return row < 0 ? Variant::Null() : field->ValueInRow(row);
 }
 
 TBookmark TDataSet::BookmarkOf(int64_t record) const {
     const int64_t row = RowOf(record);
-    return row < 0 ? TBookmark{} : TBookmark{rows_->Identity(row), opening_};
+    if (row < 0) return {};
+    return {keys_ ? keys_->IdentityOf(*rows_, row) : rows_->Identity(row), opening_};
 }
 
 bool TDataSet::BookmarkValid(TBookmark bookmark) const {
     if (!rows_ || bookmark.Empty() || bookmark.Opening != opening_) return false;
+    if (keys_) return keys_->Valid(bookmark.Identity) && (window_ || RecordOf(bookmark) >= 0);
     const int64_t row = rows_->RowOf(bookmark.Identity);
     return row >= 0 && (!viewed_ || std::find(view_.begin(), view_.end(), row) != view_.end());
+}
+
+int64_t TDataSet::RecordOf(TBookmark bookmark) const {
+    if (!rows_ || bookmark.Empty() || bookmark.Opening != opening_) return -1;
+    if (keys_) {
+        if (!keys_->Valid(bookmark.Identity)) return -1;
+        if (window_) return window_->RecordOfIdentity(bookmark.Identity);
+        const std::string& key = keys_->KeyOf(bookmark.Identity);
+        for (int64_t record = 0; record < RecordsFetched(); ++record)
+            if (keys_->KeyAt(*rows_, RowOf(record)) == key) return record;
+        return -1;
+    }
+    if (!BookmarkValid(bookmark)) return -1;
+    const int64_t row = rows_->RowOf(bookmark.Identity);
+    return viewed_ ? std::find(view_.begin(), view_.end(), row) - view_.begin() : row;
 }
 
 void TDataSet::GotoBookmark(TBookmark bookmark) {
     CheckBrowseMode();
     if (bookmark.Empty()) return;
+    // By its key it may stand behind what is fetched.
+    while (keys_ && !allFetched_ && !window_ && RecordOf(bookmark) < 0) FetchTo(RecordsFetched() + 1);
     if (!BookmarkValid(bookmark)) DatabaseError("Record not found");
-    const int64_t row = rows_->RowOf(bookmark.Identity);
+    GoTo(bookmark);
+}
+
+void TDataSet::GoTo(TBookmark bookmark) {
+    if (!window_) {
+        bof_ = eof_ = false;
+        MoveTo(RecordOf(bookmark));
+        return;
+    }
+    if (const int64_t record = RecordOf(bookmark); record >= 0) {
+        bof_ = eof_ = false;
+        MoveTo(record);
+        return;
+    }
+    if (window_->RowOfIdentity(bookmark.Identity) < 0) DatabaseError("Record not found");
     bof_ = eof_ = false;
-    MoveTo(viewed_ ? std::find(view_.begin(), view_.end(), row) - view_.begin() : row);
+    BeforeScroll(this);
+    CheckActive();
+    // Handlers may have gone elsewhere.
+    const int64_t row = window_ ? window_->RowOfIdentity(bookmark.Identity) : -1;
+    if (row < 0) DatabaseError("Record not found");
+    window_->ShowAround(row);
+    SettleNumbers();
+    Announce(DataEvent::Scrolled);
+    AfterScroll(this);
 }
 
 void TDataSet::SetFiltered(bool value) {
@@ -142,6 +211,10 @@ void TDataSet::SetFiltered(bool value) {
     if (Active()) CheckBrowseMode();
     filtered_ = value;
     if (!Active()) return;
+    if (window_) {
+        ReopenAtCurrent(Bookmarks::Keep);
+        return;
+    }
     RebuildView();
     Announce(DataEvent::RecordsChanged);
 }
@@ -187,6 +260,8 @@ void TDataSet::CompileFilter() {
 bool TDataSet::Find(int64_t from, int64_t step) {
     CheckBrowseMode();
     for (int64_t record = from; record >= 0 && record < FetchTo(record + 1); record += step) {
+        record += SettleNumbers();
+        if (record < FirstRecord()) break;
         if (!Accepts(RowOf(record))) continue;
         bof_ = eof_ = false;
         MoveTo(record);
@@ -203,12 +278,34 @@ void TDataSet::SetSort(const AnsiString& value) {
     sort_ = value;
     if (!Active()) return;
     try {
+        SortParts();
+        if (window_) {
+            ReopenAtCurrent(Bookmarks::Keep);
+            return;
+        }
         RebuildView();
     } catch (...) {
         sort_ = before;
         throw;
     }
     Announce(DataEvent::RecordsChanged);
+}
+
+std::vector<TDataSet::SortPart> TDataSet::SortParts() const {
+    std::vector<SortPart> parts;
+    for (const AnsiString& text : data_set_search_detail::SplitNames(sort_, ',')) {
+        AnsiString name = text;
+        bool descending = false;
+        const size_t blank = text.rfind(' ');
+        if (blank != AnsiString::npos) {
+            const AnsiString word = text.substr(blank + 1);
+            descending = SameText(word, "DESC");
+            if (descending || SameText(word, "ASC")) name = Trim(text.substr(0, blank));
+        }
+        if (name.size() > 2 && name.front() == '[' && name.back() == ']') name = name.substr(1, name.size() - 2);
+        parts.push_back({FieldByName(name), descending});
+    }
+    return parts;
 }
 
 bool TDataSet::Accepts(int64_t row) {
@@ -221,30 +318,13 @@ bool TDataSet::Accepts(int64_t row) {
 
 // Compares rows by the fields of the order; equal ones stay as they came.
 struct TDataSet::StoredOrder {
-    struct Part {
-        const TField* field;
-        bool descending;
-    };
-    std::vector<Part> parts;
+    std::vector<SortPart> parts;
 
-    explicit StoredOrder(const TDataSet& data) {
-        for (const AnsiString& text : data_set_search_detail::SplitNames(data.sort_, ',')) {
-            AnsiString name = text;
-            bool descending = false;
-            const size_t blank = text.rfind(' ');
-            if (blank != AnsiString::npos) {
-                const AnsiString word = text.substr(blank + 1);
-                descending = SameText(word, "DESC");
-                if (descending || SameText(word, "ASC")) name = Trim(text.substr(0, blank));
-            }
-            if (name.size() > 2 && name.front() == '[' && name.back() == ']') name = name.substr(1, name.size() - 2);
-            parts.push_back({data.FieldByName(name), descending});
-        }
-    }
+    explicit StoredOrder(const TDataSet& data) : parts(data.SortParts()) {}
     bool operator()(int64_t a, int64_t b) const {
-        for (const Part& part : parts) {
-            const int order = Compare(part.field->CellIn(a), part.field->CellIn(b));
-            if (order != 0) return part.descending ? order > 0 : order < 0;
+        for (const SortPart& part : parts) {
+            const int order = Compare(part.Field->CellIn(a), part.Field->CellIn(b));
+            if (order != 0) return part.Descending ? order > 0 : order < 0;
         }
         return false;
     }
@@ -261,6 +341,7 @@ struct TDataSet::StoredOrder {
 };
 
 void TDataSet::RebuildView() {
+    if (window_) return;
     const int64_t row = RowOf(current_);
     const StoredOrder order(*this);
     if (!sort_.empty()) {

@@ -175,6 +175,16 @@ std::string_view RowStore::Bytes(int64_t row, int column) const {
     return {reinterpret_cast<const char*>(at), static_cast<size_t>(length)};
 }
 
+void RowStore::Truncate(int64_t count) {
+    if (count >= Count()) return;
+    const auto* kept = rows_[static_cast<size_t>(count)];
+    rows_.resize(static_cast<size_t>(count));
+    if (numbered_) identities_.resize(static_cast<size_t>(count));
+    // Where the last block holds what goes, the next row is put there.
+    const bool inLastBlock = !blocks_.empty() && kept >= blocks_.back().get() && kept < limit_;
+    begin_ = at_ = inLastBlock ? const_cast<unsigned char*>(kept) : blocks_.empty() ? nullptr : blocks_.back().get();
+}
+
 void RowStore::Clear() {
     rows_.clear();
     identities_.clear();

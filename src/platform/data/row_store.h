@@ -75,6 +75,10 @@ class RowStore {
         return used_ + rows_.capacity() * sizeof(const unsigned char*) + identities_.capacity() * sizeof(int64_t);
     }
     void Clear();
+    // Forgets all rows but the first `count`, and uses their memory again: for rows that were put there just now, and
+    // nothing since.
+    void Truncate(int64_t count);
+    const std::vector<ColumnKind>& Columns() const { return columns_; }
 
   private:
     const unsigned char* ValueAt(int64_t row, int column) const;

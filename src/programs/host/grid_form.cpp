@@ -100,7 +100,10 @@ void TFRMDBGrid::FontDataChange(TObject*, TField*) {
         ShowStatus({});
         return;
     }
-    const AnsiString count = IntToStr(query->RecordsFetched()) + (query->AllFetched() ? "" : "+");
+    // Of a large table the engine's own estimate.
+    const AnsiString count = query->AllFetched() ? IntToStr(query->RecordsFetched())
+                             : query->IsPaged()  ? "~" + IntToStr(query->RecordsExpected())
+                                                 : IntToStr(query->RecordsFetched()) + "+";
     ShowStatus("Registre " + IntToStr(query->RecNo()) + " de " + count);
 }
 

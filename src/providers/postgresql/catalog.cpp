@@ -3,6 +3,7 @@
 
 #include "platform/access/sql_tokens.h"
 #include "platform/text/compare.h"
+#include "platform/text/numbers.h"
 #include "platform/text/windows1252.h"
 #include "providers/postgresql/connection.h"
 
@@ -75,6 +76,18 @@ std::vector<AnsiString> PostgresqlConnection::IndexColumns(const AnsiString& tab
               {table, index});
     if (names.empty() && SameText(index, "PrimaryKey")) return KeyColumns(table);
     return names;
+}
+
+// A table that the server has not looked through yet is judged by its size.
+int64_t PostgresqlConnection::EstimatedRows(const AnsiString& table) {
+    const std::vector<AnsiString> rows =
+        Names(std::string("SELECT CASE WHEN reltuples < 0 OR relpages = 0 THEN pg_relation_size(oid) / 100 ELSE "
+                          "reltuples * (pg_relation_size(oid) / current_setting('block_size')::float8 / relpages) "
+                          "END::bigint FROM pg_class WHERE oid = ") +
+                  kTableOf,
+              {table});
+    int64_t count = -1;
+    return rows.empty() || !TryStrToInt64(rows[0], count) ? -1 : count;
 }
 
 std::vector<PostgresqlConnection::Origin> PostgresqlConnection::OriginsOf(const PGresult* description) {

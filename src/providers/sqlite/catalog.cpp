@@ -113,6 +113,14 @@ std::vector<AnsiString> ListKeyColumns(sqlite3* database, const AnsiString& tabl
     return names;
 }
 
+int64_t LastRowNumber(sqlite3* database, const AnsiString& table) {
+    const AnsiString sql = "SELECT max(_rowid_) FROM " + Dialect().QuotedName(table);
+    sqlite3_stmt* prepared = nullptr;
+    if (sqlite3_prepare_v2(database, AnsiToUtf8(sql).c_str(), -1, &prepared, nullptr) != SQLITE_OK) return -1;
+    const std::unique_ptr<sqlite3_stmt, catalog_detail::Finalize> statement(prepared);
+    return sqlite3_step(prepared) == SQLITE_ROW ? sqlite3_column_int64(prepared, 0) : -1;
+}
+
 std::vector<AnsiString> ListIndexColumns(sqlite3* database, const AnsiString& table, const AnsiString& index) {
     catalog_detail::Question question(database,
                                       "SELECT i.name FROM pragma_index_list(?) AS l, pragma_index_info(l.name) AS i "

@@ -69,6 +69,8 @@ std::vector<ColumnDescription> DescribeTable(sqlite3* database, const std::strin
 std::vector<AnsiString> ListTables(sqlite3* database, SystemTables system);
 bool IsTable(sqlite3* database, const AnsiString& name);
 std::vector<AnsiString> ListKeyColumns(sqlite3* database, const AnsiString& table);
+// The greatest row number there is; -1 for tables without.
+int64_t LastRowNumber(sqlite3* database, const AnsiString& table);
 std::vector<AnsiString> ListIndexColumns(sqlite3* database, const AnsiString& table, const AnsiString& index);
 
 }  // namespace sqlite_provider
