@@ -75,7 +75,19 @@ TCollectionItem* TCollection::Items(int index) const {
     return items_[static_cast<size_t>(index)];
 }
 
-TCollectionItem* TCollection::Add() { return makeItem_(this); }
+TCollectionItem* TCollection::Add() {
+    // Announced when the item is whole, not while its own class is still being made.
+    BeginUpdate();
+    TCollectionItem* item = nullptr;
+    try {
+        item = makeItem_(this);
+    } catch (...) {
+        EndUpdate();
+        throw;
+    }
+    EndUpdate();
+    return item;
+}
 
 TCollectionItem* TCollection::Insert(int index) {
     TCollectionItem* item = Add();

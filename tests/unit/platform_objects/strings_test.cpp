@@ -136,6 +136,26 @@ TEST(Collection, AssignCopiesTheItems) {
     EXPECT_EQ(second.Items(1)->Value, 2);
 }
 
+TEST(Collection, AnAddedItemIsAnnouncedWhenItIsWhole) {
+    // Who shows the items looks at each of them as soon as it hears of one.
+    class Watched : public TOwnedCollection<Item> {
+      public:
+        Watched() : TOwnedCollection<Item>(nullptr) {}
+        std::vector<AnsiString> Heard;
+
+      protected:
+        void Update(TCollectionItem*) override {
+            AnsiString classes;
+            for (int i = 0; i < Count(); ++i) classes += Items(i)->ClassName() + " ";
+            Heard.push_back(classes);
+        }
+    };
+    Watched items;
+    items.Add();
+    items.Add();
+    EXPECT_EQ(items.Heard, (std::vector<AnsiString>{"Item ", "Item Item "}));
+}
+
 TEST(Collection, AnItemThatIsFreedLeaves) {
     TOwnedCollection<Item> items(nullptr);
     Item* item = items.Add();
