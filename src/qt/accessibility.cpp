@@ -6,6 +6,7 @@
 #include <QWidget>
 
 #include "platform/controls/bit_buttons.h"
+#include "platform/controls/db_lookups.h"
 #include "platform/controls/groups.h"
 #include "platform/controls/images.h"
 #include "platform/controls/labels.h"
@@ -15,7 +16,9 @@
 #include "platform/controls/status_bars.h"
 #include "platform/controls/tool_bars.h"
 #include "platform/controls/tree_views.h"
+#include "qt/grid_accessibility.h"
 #include "qt/rows_accessibility.h"
+#include "qt/text.h"
 #include "qt/widget_peer.h"
 
 namespace vyn::qt {
@@ -35,6 +38,30 @@ QAccessible::Role RoleOf(const TControl& control) {
     if (ObjectCast<TTabSheet>(&control)) return QAccessible::Pane;
     return QAccessible::NoRole;
 }
+
+// A combo box that we draw ourselves says what it shows.
+class LookupComboInterface final : public QAccessibleWidget {
+  public:
+    LookupComboInterface(QWidget* widget, const TDBLookupComboBox& box)
+        : QAccessibleWidget(widget, QAccessible::ComboBox), box_(box) {}
+    QString text(QAccessible::Text kind) const override {
+        const auto* link = dynamic_cast<PeerLink*>(widget());
+        if (kind == QAccessible::Value && link && link->Peer()) return ToQt(box_.Text());
+        return QAccessibleWidget::text(kind);
+    }
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        const auto* link = dynamic_cast<PeerLink*>(widget());
+        state.hasPopup = true;
+        state.expandable = true;
+        state.expanded = link && link->Peer() && box_.DroppedDown();
+        state.collapsed = !state.expanded;
+        return state;
+    }
+
+  private:
+    const TDBLookupComboBox& box_;  // while the widget has a peer
+};
 
 void NameWidget(QWidget& widget, const WidgetPeer& peer) {
     if (widget.accessibleName().isEmpty())
@@ -71,6 +98,8 @@ QAccessibleInterface* MakeInterface(const QString& className, QObject* object) {
     if (QAccessible::isActive()) NameWidget(*widget, peer);
     if (widget != peer.Widget()) return nullptr;
     if (QAccessibleInterface* rows = MakeRowsInterface(widget)) return rows;
+    if (QAccessibleInterface* grid = MakeGridInterface(widget)) return grid;
+    if (const auto* box = ObjectCast<TDBLookupComboBox>(&peer.Control())) return new LookupComboInterface(widget, *box);
     const QAccessible::Role role = RoleOf(peer.Control());
     return role == QAccessible::NoRole ? nullptr : new QAccessibleWidget(widget, role);
 }

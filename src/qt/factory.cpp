@@ -89,6 +89,7 @@ PeerFactory& StandardPeerFactory() {
         RegisterTreePeers();
         RegisterGridPeers();
         RegisterDataControlPeers();
+        RegisterLookupPeers();
         return true;
     }();
     static_cast<void>(registered);

@@ -40,5 +40,6 @@ void RegisterStatusBarPeers();
 void RegisterTreePeers();
 void RegisterGridPeers();
 void RegisterDataControlPeers();
+void RegisterLookupPeers();
 
 }  // namespace vyn::qt

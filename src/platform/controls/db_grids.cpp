@@ -5,6 +5,7 @@
 #include "platform/controls/db_cell_editor.h"
 #include "platform/controls/db_choices.h"
 #include "platform/controls/db_controls.h"
+#include "platform/controls/db_lookups.h"
 #include "platform/controls/db_navigators.h"
 #include "platform/controls/enum_names.h"
 #include "platform/controls/property_catalogue.h"
@@ -372,11 +373,13 @@ void TCustomDBGrid::SetTopRecord(int64_t record) {
     PeerChanged(PeerChange::Scroll);
 }
 
+int64_t TCustomDBGrid::HighlightedRecord() const { return DataSet() ? DataSet()->CurrentRecord() : -1; }
+
 void TCustomDBGrid::KeepCurrentInSight() {
     TDataSet* data = DataSet();
-    if (!data || data->CurrentRecord() < 0) return;
-    data->ShowCurrent();
-    const int64_t current = data->CurrentRecord();
+    if (!data || HighlightedRecord() < 0) return;
+    if (HighlightedRecord() == data->CurrentRecord()) data->ShowCurrent();
+    const int64_t current = HighlightedRecord();
     if (current < TopRecord())
         SetTopRecord(current);
     else if (current >= TopRecord() + VisibleRows())
@@ -575,7 +578,8 @@ void RegisterDataControlClasses() {
     for (TClass each :
          {&TDBGrid::StaticClass(), &TDBNavigator::StaticClass(), &TDBText::StaticClass(), &TDBEdit::StaticClass(),
           &TDBMemo::StaticClass(), &TDBImage::StaticClass(), &TDBListBox::StaticClass(), &TDBComboBox::StaticClass(),
-          &TDBCheckBox::StaticClass(), &TDBRadioGroup::StaticClass()})
+          &TDBCheckBox::StaticClass(), &TDBRadioGroup::StaticClass(), &TDBLookupListBox::StaticClass(),
+          &TDBLookupComboBox::StaticClass()})
         AddLinkedClass(each);
 }
 

@@ -243,9 +243,15 @@ class TCustomDBGrid : public TWinControl {
     TNotifyEvent OnEditButtonClick;
     TNotifyEvent OnDrawColumnCell;
 
+    // The record that is drawn as the chosen one, and kept in sight; -1: none.
+    virtual int64_t HighlightedRecord() const;
+
     // From the peer.
-    void ProcessCellClick(int64_t record, int column, TShiftState shift = {});
-    void ProcessCellDblClick(int64_t record, int column);
+    virtual void ProcessCellClick(int64_t record, int column, TShiftState shift = {});
+    virtual void ProcessCellDblClick(int64_t record, int column);
+    // The mouse is over a record without being pressed; was released over it (-1: over none).
+    virtual void ProcessRecordHover(int64_t record) {}
+    virtual void ProcessRecordRelease(int64_t record) {}
     void ProcessTitleClick(int column);
     void ProcessColumnResize(int column, int width);
     void ProcessColumnMove(int from, int to);
@@ -264,15 +270,16 @@ class TCustomDBGrid : public TWinControl {
   protected:
     void Notification(TComponent* component, TOperation operation) override;
     void FontChanged() override;
+    // Its dataset tells something.
+    virtual void DataChanged(DataEvent event);
+    void KeepCurrentInSight();
 
   private:
     friend class TDBGridColumns;
     friend class TColumn;
     class Link;
     class CellEditor;
-    void DataChanged(DataEvent event);
     void ColumnsChanged();
-    void KeepCurrentInSight();
     void MoveRecords(int64_t distance);
     void AdoptColumns();
     // Keys that edit, mark or copy (db_grid_editing.cpp); true: taken.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
 #include "platform/controls/property_catalogue.h"
 #include "platform/controls/shortcuts.h"
@@ -13,7 +14,8 @@ namespace vyn {
 template <class Base>
 class FieldShown : public Base {
   public:
-    explicit FieldShown(TComponent* owner) : Base(owner), link_(std::make_unique<TFieldDataLink>()) {
+    explicit FieldShown(TComponent* owner, std::unique_ptr<TFieldDataLink> link = std::make_unique<TFieldDataLink>())
+        : Base(owner), link_(std::move(link)) {
         link_->Control = this;
         link_->OnDataChange = [this](TObject*) { DataChange(); };
         link_->OnEditingChange = [this](TObject*) { EditingChange(); };
