@@ -184,9 +184,17 @@ void TADOConnection::FinishReading() {
 }
 
 void TADOConnection::FetchRest() {
-    for (TCustomADODataSet* dataSet : std::vector<TCustomADODataSet*>(dataSets_))
-        if (dataSet->Active() && !dataSet->IsPaged() && !dataSet->AllFetched() && !dataSet->ReadingFailed())
+    const bool inTransaction = InTransaction();
+    for (TCustomADODataSet* dataSet : std::vector<TCustomADODataSet*>(dataSets_)) {
+        if (!dataSet->Active() || dataSet->IsPaged() || dataSet->AllFetched() || dataSet->ReadingFailed()) continue;
+        try {
             dataSet->RecordCount();
+        } catch (const EDatabaseError&) {
+            // The dataset keeps what is wrong with its records, and says it to who needs them; here it stands in
+            // nobody's way, unless more went with the connection.
+            if (inTransaction && !InTransaction()) throw;
+        }
+    }
 }
 
 int64_t TADOConnection::Execute(const AnsiString& sql) {
@@ -210,7 +218,12 @@ void TADOConnection::CommitTrans() {
 void TADOConnection::RollbackTrans() {
     if (!InTransaction()) throw EDatabaseError("There is no transaction to roll back");
     // Results may go with what they were read in.
-    FetchRest();
+    try {
+        FetchRest();
+    } catch (const EDatabaseError&) {
+        // It went with the connection: nothing of it is kept, which is what is wanted.
+        return;
+    }
     connection_->Rollback();
 }
 

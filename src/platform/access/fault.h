@@ -29,12 +29,14 @@ constexpr char kTransactionGone[] = ". The transaction was taken back with it: n
 
 // What a connection that was lost is reported with.
 constexpr char kConnectionLost[] = "The connection to the database server was lost";
+constexpr char kServerSilent[] = "The database server does not answer any more: the connection to it was given up";
 constexpr char kTransactionLost[] = ", and the transaction with it: nothing that was done in it is kept";
 // When the answer to what stores a change did not come: it may have been done.
 constexpr char kOutcomeUnknown[] =
     " while a change was being stored. Whether it is kept cannot be told from here: look at the records before you "
     "store it again";
 constexpr char kMadeAgain[] = ". It has been made again";
+constexpr char kMadeLater[] = ". It will be made again at the next step";
 constexpr char kNotMadeAgain[] = ". It could not be made again: ";
 constexpr char kLostWhileReading[] = "The connection to the database server was lost while records were read";
 

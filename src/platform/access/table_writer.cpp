@@ -215,8 +215,17 @@ void TableWriter::Update(const Record& original, Record& record) {
         // way, more decimals): what counts is what is shown.
         Record theirs = original;
         if (!Reread(original, theirs)) RaiseConflict(original, &record, nullptr, changed);
-        const bool same = std::all_of(changed.begin(), changed.end(),
-                                      [&](size_t column) { return theirs[column] == original[column]; });
+        const auto holds = [&](const Record& wanted) {
+            return std::all_of(changed.begin(), changed.end(),
+                               [&](size_t column) { return theirs[column] == wanted[column]; });
+        };
+        if (holds(record)) {
+            // It is there already: by somebody else, or by ourselves, when the connection broke before the answer came.
+            for (size_t column : OurColumns()) record[column] = theirs[column];
+            transaction.Commit();
+            return;
+        }
+        const bool same = holds(original);
         if (!same || !UpdateWhere(original, record, changed, {})) RaiseConflict(original, &record, &theirs, changed);
     }
     transaction.Commit();

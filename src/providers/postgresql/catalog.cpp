@@ -24,8 +24,10 @@ Result PostgresqlConnection::Question(const std::string& sql, const std::vector<
     const Arguments arguments(given, Arguments::Types::Said);
     return Protected(
         [&] {
-            return Result(PQexecParams(handle_.get(), sql.c_str(), arguments.Count(), arguments.TypeNumbers(),
-                                       arguments.Values(), arguments.Lengths(), arguments.Formats(), kTextFormat));
+            return Exchange([&](PGconn* handle) {
+                return PQsendQueryParams(handle, sql.c_str(), arguments.Count(), arguments.TypeNumbers(),
+                                         arguments.Values(), arguments.Lengths(), arguments.Formats(), kTextFormat);
+            });
         },
         kCatalogFailed);
 }

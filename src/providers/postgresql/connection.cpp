@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "platform/access/fault.h"
 #include "platform/access/sql_tokens.h"
 #include "platform/text/compare.h"
 #include "platform/text/exceptions.h"
@@ -26,29 +27,18 @@ constexpr char kSessionOptions[] =
     "-c datestyle=ISO,YMD -c bytea_output=hex -c extra_float_digits=1 -c standard_conforming_strings=on "
     "-c client_min_messages=warning";
 
-AnsiString NumberOf(const ConnectionString& settings, const AnsiString& key, int lowest, int highest) {
-    const AnsiString text = settings.Value(key);
-    int64_t number = 0;
-    if (text.empty()) return {};
-    if (!TryStrToInt64(text, number) || number < lowest || number > highest)
-        throw EDatabaseError(key + "=" + text + ": a number from " + IntToStr(lowest) + " to " + IntToStr(highest) +
-                             " is wanted");
-    return text;
-}
-
 PostgresqlConnection::PostgresqlConnection(const ConnectionString& settings) : host_(settings.Value("Data Source")) {
     std::vector<std::pair<const char*, std::string>> given;
     const auto give = [&](const char* keyword, const AnsiString& value) {
         if (!value.empty()) given.emplace_back(keyword, AnsiToUtf8(value));
     };
-    constexpr int kMostSeconds = 3600;
     give("host", host_);
-    give("port", NumberOf(settings, "Port", 1, kMostPort));
+    give("port", settings.Number("Port", 1, kMostPort));
     give("dbname", settings.Value("Initial Catalog", settings.Value("Database")));
     give("user", settings.Value("User ID", settings.Value("UID")));
     give("password", settings.Value("Password", settings.Value("PWD")));
     give("sslmode", settings.Value("SSL Mode"));
-    give("connect_timeout", NumberOf(settings, "Connect Timeout", 0, kMostSeconds));
+    give("connect_timeout", settings.Number("Connect Timeout", 0, kMostConnectSeconds));
     give("application_name", settings.Value("Application Name", "vyn"));
     give("client_encoding", "UTF8");
     const AnsiString mode = settings.Value("Mode");
@@ -65,27 +55,36 @@ PostgresqlConnection::PostgresqlConnection(const ConnectionString& settings) : h
     if (IsBroken()) throw EDatabaseError("Data Source=" + host_ + ": " + LastMessage());
     PQsetNoticeProcessor(
         handle_.get(), [](void*, const char*) {}, nullptr);
+    // Waiting is done here, with an end.
+    PQsetnonblocking(handle_.get(), 1);
 }
 
 AnsiString PostgresqlConnection::LastMessage() const { return Trim(Utf8ToAnsiLossy(PQerrorMessage(handle_.get()))); }
 
-void PostgresqlConnection::Reconnect() {
+void PostgresqlConnection::Forget() {
     ++generation_;
     depth_ = cursors_ = 0;
-    implicit_ = false;
+    implicit_ = silent_ = false;
+}
+
+void PostgresqlConnection::Reconnect() {
+    Forget();
     PQreset(handle_.get());
     if (IsBroken()) return;
-    for (const AnsiString& channel : channels_)
-        PQclear(PQexec(handle_.get(), ("LISTEN " + AnsiToUtf8(Dialect().QuotedName(channel))).c_str()));
+    PQsetnonblocking(handle_.get(), 1);
+    for (const AnsiString& channel : channels_) Exchange("LISTEN " + AnsiToUtf8(Dialect().QuotedName(channel)));
 }
 
 void PostgresqlConnection::Lost() {
-    const bool inTransaction = depth_ > 0;
+    const AnsiString lost = storing_ ? kOutcomeUnknown : depth_ > 0 ? kTransactionLost : "";
+    if (silent_) {
+        // A server that is frozen would not let us in either, and keep the user waiting once more.
+        Forget();
+        throw EDatabaseError(kServerSilent + lost + kMadeLater);
+    }
     Reconnect();
-    throw EDatabaseError(
-        AnsiString("The connection to the database server was lost") +
-        (inTransaction ? ", and the transaction with it: nothing that was done in it is kept" : "") +
-        (IsBroken() ? ". It could not be made again: " + LastMessage() : AnsiString(". It has been made again")));
+    throw EDatabaseError(kConnectionLost + lost +
+                         (IsBroken() ? kNotMadeAgain + LastMessage() : AnsiString(kMadeAgain)));
 }
 
 void PostgresqlConnection::Ready() {
@@ -112,6 +111,32 @@ void PostgresqlConnection::Observe() {
     }
 }
 
+// By what the server calls it (SQLSTATE).
+DatabaseFault FaultOf(const AnsiString& state) {
+    if (state == "53100") return DatabaseFault::DiskFull;
+    if (state == "53200") return DatabaseFault::OutOfMemory;
+    if (state == "58030") return DatabaseFault::DiskFailure;
+    if (state == "XX001" || state == "XX002") return DatabaseFault::Damaged;
+    if (state == "40001" || state == "40P01") return DatabaseFault::Deadlock;
+    if (state == "55P03") return DatabaseFault::InUse;
+    if (state == "57014") return DatabaseFault::TooSlow;
+    return DatabaseFault::None;
+}
+
+bool ReadsOnly(const AnsiString& sql) {
+    bool reads = false, first = true;
+    for (const SqlToken& token : TokenizeSql(sql)) {
+        if (token.Kind == SqlTokenKind::Blank || token.Kind == SqlTokenKind::Comment) continue;
+        if (first)
+            for (const char* word : {"SELECT", "VALUES", "TABLE", "WITH", "SHOW"})
+                reads = reads || IsKeyword(token, word) || token.Text == "(";
+        first = false;
+        for (const char* word : {"INSERT", "DELETE", "MERGE", "INTO"})
+            if (IsKeyword(token, word)) reads = false;
+    }
+    return reads;
+}
+
 void PostgresqlConnection::Check(PGresult* result, const char* what) {
     // Errors without a code are libpq's own: the end of the connection may only be found by reading on.
     const ExecStatusType status = PQresultStatus(result);
@@ -136,11 +161,11 @@ void PostgresqlConnection::Check(PGresult* result, const char* what) {
     if (message.empty()) message = LastMessage();
     for (int code : {PG_DIAG_MESSAGE_DETAIL, PG_DIAG_MESSAGE_HINT})
         if (!field(code).empty()) message += "\n" + field(code);
-    throw EDatabaseError(AnsiString(what) + ": " + message);
+    throw EDatabaseError(FaultMessage(what, FaultOf(field(PG_DIAG_SQLSTATE)), message));
 }
 
 Result PostgresqlConnection::Command(const std::string& sql, const char* what) {
-    Result result(PQexec(handle_.get(), sql.c_str()));
+    Result result = Exchange(sql);
     Check(result.get(), what);
     Observe();
     return result;
@@ -156,13 +181,13 @@ Result PostgresqlConnection::Protected(const std::function<Result()>& action, co
         Check(result.get(), what);
     } catch (...) {
         if (!IsBroken() && PQtransactionStatus(handle_.get()) == PQTRANS_INERROR)
-            PQclear(PQexec(handle_.get(), protect ? kBackToProtection : "ROLLBACK"));
+            Exchange(std::string(protect ? kBackToProtection : "ROLLBACK"));
         Observe();
         throw;
     }
     // The statement may have ended the transaction.
     if (protect && PQtransactionStatus(handle_.get()) == PQTRANS_INTRANS)
-        PQclear(PQexec(handle_.get(), (std::string("RELEASE ") + kProtection).c_str()));
+        Exchange(std::string("RELEASE ") + kProtection);
     Observe();
     return result;
 }
@@ -188,7 +213,7 @@ void PostgresqlConnection::EndReading(const std::string& cursor, int generation,
             // The last one ends what the first began.
             Command(close + "; COMMIT", kFailed);
         } else if (!close.empty()) {
-            Protected([&] { return Result(PQexec(handle_.get(), close.c_str())); }, kFailed);
+            Protected([&] { return Exchange(close); }, kFailed);
         }
     } catch (const EDatabaseError&) {
         // What is closed may be gone with its transaction; what is wrong with the connection the next step says.
@@ -211,7 +236,8 @@ int64_t PostgresqlConnection::Execute(const AnsiString& sql) {
     const std::string utf8 = AnsiToUtf8(sql);
     if (utf8.find('\0') != std::string::npos)
         throw EDatabaseError("The database cannot hold a NUL character in a text or name");
-    const Result result = Protected([&] { return Result(PQexec(handle_.get(), utf8.c_str())); }, kFailed);
+    const Storing storing(*this, depth_ == 0 && !ReadsOnly(sql));
+    const Result result = Protected([&] { return Exchange(utf8); }, kFailed);
     return std::atoll(PQcmdTuples(result.get()));
 }
 
@@ -226,6 +252,7 @@ int PostgresqlConnection::Begin() {
 int PostgresqlConnection::Commit() {
     Ready();
     const int depth = depth_;
+    const Storing storing(*this, depth <= 1);
     Command(depth > 1 ? "RELEASE vyn_" + std::to_string(depth - 1) : std::string("COMMIT"),
             "The transaction cannot end");
     return depth_ = std::max(depth - 1, 0);
@@ -263,7 +290,7 @@ std::vector<ProviderNotice> PostgresqlConnection::TakeNotices() {
 
 void PostgresqlConnection::Deallocate(const std::string& name, int generation) noexcept {
     if (generation != generation_ || IsBroken() || PQtransactionStatus(handle_.get()) == PQTRANS_INERROR) return;
-    PQclear(PQexec(handle_.get(), ("DEALLOCATE " + name).c_str()));
+    Exchange("DEALLOCATE " + name);
 }
 
 }  // namespace postgresql_provider

@@ -88,8 +88,29 @@ class PostgresqlConnection final : public ProviderConnection {
     bool WritesBesideReading() const override { return true; }
     void Listen(const AnsiString& channel) override;
     std::vector<ProviderNotice> TakeNotices() override;
+    void SetCommandTimeout(int seconds) override { commandTimeout_ = seconds; }
 
     // For statements.
+    // Sends something and waits for its whole answer; gives the last result, or none when nothing could be sent. A
+    // server that says nothing for as long as is allowed is asked to break off; one that does not even do that is
+    // given up.
+    Result Exchange(const std::function<int(PGconn*)>& send);
+    Result Exchange(const std::string& sql);
+    // The next result of what was sent, or none at its end.
+    Result NextResult();
+    // Keeps in mind that something is being stored for good: without an answer nobody knows whether it was.
+    class Storing {
+      public:
+        Storing(PostgresqlConnection& connection, bool stores) : connection_(connection) {
+            connection_.storing_ = stores;
+        }
+        ~Storing() { connection_.storing_ = false; }
+        Storing(const Storing&) = delete;
+        Storing& operator=(const Storing&) = delete;
+
+      private:
+        PostgresqlConnection& connection_;
+    };
     PGconn* Handle() const { return handle_.get(); }
     // Another number after the connection was made again: what was kept on the server is gone.
     int Generation() const { return generation_; }
@@ -123,12 +144,20 @@ class PostgresqlConnection final : public ProviderConnection {
     void Observe();
     bool IsBroken() const { return PQstatus(handle_.get()) != CONNECTION_OK; }
     void Reconnect();
+    void Forget();
     [[noreturn]] void Lost();
+    void Await();
+    bool AskToBreakOff();
+    void GiveUp();
+    void DropCopied();
     AnsiString LastMessage() const;
 
     std::unique_ptr<PGconn, CloseConnection> handle_;
     AnsiString host_;
     std::set<AnsiString> channels_;
+    int commandTimeout_ = 0;
+    bool silent_ = false;  // given up because nothing came
+    bool storing_ = false;
     int generation_ = 1;
     int names_ = 0;
     int depth_ = 0;
@@ -136,6 +165,9 @@ class PostgresqlConnection final : public ProviderConnection {
     int reading_ = 0;
     int cursors_ = 0;  // opened in it
 };
+
+// Whether a statement changes nothing, as far as can be seen.
+bool ReadsOnly(const AnsiString& sql);
 
 // What a result is: read through a cursor, or at once.
 std::unique_ptr<ProviderStatement> PrepareStatement(PostgresqlConnection& connection, const AnsiString& sql);

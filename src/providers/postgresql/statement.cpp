@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "platform/access/fault.h"
 #include "platform/access/sql_tokens.h"
 #include "platform/text/compare.h"
 #include "platform/text/exceptions.h"
@@ -31,6 +32,7 @@ class PostgresqlStatement final : public ProviderStatement {
             for (const char* word : {"INSERT", "UPDATE", "DELETE", "MERGE", "INTO", "SHARE"})
                 if (IsKeyword(token, word)) reads_ = false;
         }
+        changes_ = !ReadsOnly(sql);
         if (first) throw EDatabaseError("The statement is empty");
         if (numbered.find('\0') != AnsiString::npos)
             throw EDatabaseError("The database cannot hold a NUL character in a text or name");
@@ -75,7 +77,7 @@ class PostgresqlStatement final : public ProviderStatement {
         if (whole_) return FetchFromWhole(rows, count);
         if (generation_ != connection_.Generation()) {
             done_ = true;
-            throw EDatabaseError("The connection to the database server was lost while records were read");
+            throw EDatabaseError(kLostWhileReading);
         }
         return FetchFromCursor(rows, count);
     }
@@ -96,13 +98,16 @@ class PostgresqlStatement final : public ProviderStatement {
         try {
             const std::string name = connection_.NewName();
             Run([&](const std::string& sql, const Arguments& given) {
-                return Result(PQexecParams(
-                    connection_.Handle(), ("DECLARE " + name + " NO SCROLL CURSOR WITH HOLD FOR " + sql).c_str(),
-                    given.Count(), given.TypeNumbers(), given.Values(), given.Lengths(), given.Formats(), kTextFormat));
+                const std::string declare = "DECLARE " + name + " NO SCROLL CURSOR WITH HOLD FOR " + sql;
+                return connection_.Exchange([&](PGconn* handle) {
+                    return PQsendQueryParams(handle, declare.c_str(), given.Count(), given.TypeNumbers(),
+                                             given.Values(), given.Lengths(), given.Formats(), kTextFormat);
+                });
             });
             cursor_ = name;
             if (!columnsKnown_) {
-                const Result described(PQdescribePortal(connection_.Handle(), name.c_str()));
+                const Result described =
+                    connection_.Exchange([&](PGconn* handle) { return PQsendDescribePortal(handle, name.c_str()); });
                 connection_.Check(described.get(), kStatementFailed);
                 Describe(described.get());
             }
@@ -167,20 +172,26 @@ class PostgresqlStatement final : public ProviderStatement {
         connection_.Settle();
         ++runs_;
         if (!prepared_.empty() && preparedGeneration_ != connection_.Generation()) prepared_.clear();
+        const PostgresqlConnection::Storing storing(connection_, changes_ && connection_.TransactionDepth() == 0);
         whole_ = Run([&](const std::string& sql, const Arguments& given) {
-            PGconn* handle = connection_.Handle();
             if (runs_ == 1)
-                return Result(PQexecParams(handle, sql.c_str(), given.Count(), given.TypeNumbers(), given.Values(),
-                                           given.Lengths(), given.Formats(), kTextFormat));
+                return connection_.Exchange([&](PGconn* handle) {
+                    return PQsendQueryParams(handle, sql.c_str(), given.Count(), given.TypeNumbers(), given.Values(),
+                                             given.Lengths(), given.Formats(), kTextFormat);
+                });
             if (prepared_.empty()) {
                 const std::string name = connection_.NewName();
-                Result made(PQprepare(handle, name.c_str(), sql.c_str(), given.Count(), given.TypeNumbers()));
+                Result made = connection_.Exchange([&](PGconn* handle) {
+                    return PQsendPrepare(handle, name.c_str(), sql.c_str(), given.Count(), given.TypeNumbers());
+                });
                 if (PQresultStatus(made.get()) != PGRES_COMMAND_OK) return made;
                 prepared_ = name;
                 preparedGeneration_ = connection_.Generation();
             }
-            return Result(PQexecPrepared(handle, prepared_.c_str(), given.Count(), given.Values(), given.Lengths(),
-                                         given.Formats(), kTextFormat));
+            return connection_.Exchange([&](PGconn* handle) {
+                return PQsendQueryPrepared(handle, prepared_.c_str(), given.Count(), given.Values(), given.Lengths(),
+                                           given.Formats(), kTextFormat);
+            });
         });
         started_ = true;
         wholeAt_ = 0;
@@ -255,13 +266,13 @@ class PostgresqlStatement final : public ProviderStatement {
         if (!PQsendQueryParams(handle, fetch.c_str(), 0, nullptr, nullptr, nullptr, nullptr,
                                binary_ ? kBinaryFormat : kTextFormat)) {
             // What was wrong with sending is known when its answer was asked for.
-            while (Result{PQgetResult(handle)}) {
+            while (connection_.NextResult()) {
             }
             return {};
         }
         PQsetSingleRowMode(handle);
         Result last;
-        while (Result result{PQgetResult(handle)}) {
+        while (Result result = connection_.NextResult()) {
             if (PQresultStatus(result.get()) != PGRES_SINGLE_TUPLE) {
                 last = std::move(result);
                 continue;
@@ -284,6 +295,7 @@ class PostgresqlStatement final : public ProviderStatement {
     AnsiString sql_;
     int parameters_ = 0;
     bool reads_ = false;  // and does nothing else
+    bool changes_ = false;
     std::vector<ProviderValue> bound_;
     Arguments::Types types_ = Arguments::Types::Inferred;
     std::vector<FieldDefinition> columns_;

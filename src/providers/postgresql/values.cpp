@@ -19,6 +19,7 @@ constexpr int kMoneyPerCent = 100;  // the server's money counts hundredths, row
 constexpr int kDigitGroup = 10000;
 constexpr int kMostDigitsOfAmounts = 14;  // before the decimal separator
 constexpr int kMostDecimalsOfAmounts = 4;
+constexpr int kMostGroupsOfAmounts = 3;  // of four digits, behind the first
 constexpr int kModifierHeader = 4;
 
 // --- to the server
@@ -200,7 +201,8 @@ struct ServerNumber {
         : count(BigEndian<int16_t>(bytes)),
           weight(BigEndian<int16_t>(bytes + 2)),
           sign(BigEndian<uint16_t>(bytes + 4)),
-          groups(bytes + 8) {}
+          groups(bytes + kHeader) {}
+    static constexpr int kHeader = 8;
     static constexpr uint16_t kPositive = 0x0000, kNegative = 0x4000;
     bool IsNumber() const { return sign == kPositive || sign == kNegative; }
     int Group(int index) const { return index < 0 || index >= count ? 0 : BigEndian<int16_t>(groups + 2 * index); }
@@ -215,8 +217,10 @@ void PutAmount(RowStore& rows, const char* bytes) {
         rows.PutNull();
         return;
     }
-    // Ten-thousandths are the group behind the separator.
+    // Ten-thousandths are the group behind the separator. Columns that are amounts have no more digits than fit.
     int64_t amount = 0;
+    if (number.weight > kMostGroupsOfAmounts)
+        throw EDatabaseError("The database server sent a value that cannot be one");
     for (int place = number.weight; place >= -1; --place)
         amount = amount * kDigitGroup + number.Group(number.weight - place);
     if (number.weight < -1) amount = 0;
@@ -241,7 +245,40 @@ void PutReal(RowStore& rows, const char* bytes) {
     rows.PutReal(value);
 }
 
+// What a value of the type takes at the least, and at the most where that is not the same.
+void RequireLength(const char* bytes, int length, Oid type) {
+    int wanted = length;
+    switch (type) {
+        case kBool:
+            wanted = sizeof(char);
+            break;
+        case kInt2:
+            wanted = sizeof(int16_t);
+            break;
+        case kInt4:
+        case kOid:
+        case kFloat4:
+        case kDate:
+            wanted = sizeof(int32_t);
+            break;
+        case kInt8:
+        case kFloat8:
+        case kTime:
+        case kTimestamp:
+            wanted = sizeof(int64_t);
+            break;
+        case kNumeric:
+            wanted = ServerNumber::kHeader;
+            if (length >= wanted) wanted += 2 * std::max(ServerNumber(bytes).count, 0);
+            break;
+        default:
+            break;
+    }
+    if (length != wanted) throw EDatabaseError("The database server sent a value that cannot be one");
+}
+
 void PutBinary(RowStore& rows, const char* bytes, int length, Oid type, TFieldType fieldType) {
+    RequireLength(bytes, length, type);
     switch (type) {
         case kBool:
             rows.PutInteger(*bytes != 0);
@@ -309,7 +346,7 @@ void PutText(RowStore& rows, std::string_view text, Oid type, TFieldType fieldTy
         case kBytea: {
             std::string bytes;
             for (size_t i = 2; i + 1 < text.size(); i += 2)
-                bytes += static_cast<char>(HexDigit(text[i]) << 4 | HexDigit(text[i + 1]));
+                bytes += static_cast<char>((HexDigit(text[i]) << 4 | HexDigit(text[i + 1])) & 0xFF);
             rows.PutBytes(bytes);
             return;
         }
