@@ -63,7 +63,7 @@ int TLookupRows::NaturalWidth() const {
 // gives its part, so that there is nothing to scroll sideways.
 void TLookupRows::FitColumns() {
     int room = Width() - 2 * db_lookup_detail::kEdge;
-    if (TDataSet* data = DataSet(); data && data->FetchTo(VisibleRows() + 1) > VisibleRows())
+    if (TDataSet* data = DataSet(); data && (data->IsPaged() || data->FetchTo(VisibleRows() + 1) > VisibleRows()))
         room -= CurrentTextMetrics().ScrollBarSize();
     room = std::max(room, 1);
     const auto& columns = ShownColumns();
@@ -81,9 +81,14 @@ void TLookupRows::FitColumns() {
     }
 }
 
+int64_t TLookupRows::HighlightedRecord() const {
+    return highlighted_ >= 0 && DataSet() && DataSet()->IsPaged() ? DataSet()->CurrentRecord() : highlighted_;
+}
+
 void TLookupRows::Highlight(int64_t record) {
-    if (record == highlighted_) return;
+    if (record == HighlightedRecord()) return;
     highlighted_ = record;
+    if (TDataSet* data = DataSet(); data && data->IsPaged() && record >= 0) data->SetCurrentRecord(record);
     KeepCurrentInSight();
     PeerChanged(PeerChange::Invalidate);
 }
@@ -120,30 +125,49 @@ void TLookupRows::KeyPress(char& key) { TWinControl::KeyPress(key); }
 std::optional<int64_t> TLookupRows::RecordFor(uint16_t key, TShiftState shift) {
     TDataSet* data = DataSet();
     if (!data || shift.Contains(ssAlt)) return std::nullopt;
-    int64_t target = 0;
     switch (key) {
         case VK_UP:
-            target = highlighted_ - 1;
-            break;
+            return RecordBeside(*data, HighlightedRecord(), -1);
         case VK_DOWN:
-            target = highlighted_ + 1;
-            break;
+            return RecordBeside(*data, HighlightedRecord(), 1);
         case VK_PRIOR:
-            target = highlighted_ - VisibleRows();
-            break;
+            return RecordBeside(*data, HighlightedRecord(), -VisibleRows());
         case VK_NEXT:
-            target = highlighted_ + VisibleRows();
-            break;
+            return RecordBeside(*data, HighlightedRecord(), VisibleRows());
         case VK_HOME:
-            break;
+            return FirstRecordOf(*data);
         case VK_END:
-            target = data->RecordCount() - 1;
-            break;
+            return LastRecordOf(*data);
         default:
             return std::nullopt;
     }
-    target = std::max<int64_t>(target, 0);
-    return std::min(target, data->FetchTo(target + 1) - 1);
+}
+
+bool TLookupRows::ScrollFor(uint16_t key, TShiftState shift) {
+    const TDataSet* data = DataSet();
+    if (!data || shift.Contains(ssAlt)) return false;
+    switch (key) {
+        case VK_UP:
+            SetTopRecord(TopRecord() - 1);
+            return true;
+        case VK_DOWN:
+            SetTopRecord(TopRecord() + 1);
+            return true;
+        case VK_PRIOR:
+            SetTopRecord(TopRecord() - VisibleRows());
+            return true;
+        case VK_NEXT:
+            SetTopRecord(TopRecord() + VisibleRows());
+            return true;
+        case VK_HOME:
+            SetTopRecord(0);
+            return true;
+        case VK_END:
+            SetTopRecord(data->IsPaged() ? data->RecordsExpected() : DataSet()->RecordCount());
+            return true;
+        default:
+            return false;
+    }
 }
 
 // The list box.
@@ -196,15 +220,14 @@ void TDBLookupListBox::KeyDown(uint16_t& key, TShiftState shift) {
         key = 0;
         return;
     }
+    if (!TheLookup().CanChange()) {
+        if (ScrollFor(key, shift)) key = 0;
+        return;
+    }
     const std::optional<int64_t> target = RecordFor(key, shift);
     if (!target) return;
     TheLookup().EndSearch();
-    if (TheLookup().CanChange())
-        TheLookup().Choose(*target);
-    else if (key == VK_HOME || key == VK_END)
-        SetTopRecord(*target);
-    else
-        SetTopRecord(TopRecord() + (*target - HighlightedRecord()));
+    TheLookup().Choose(*target);
     key = 0;
 }
 
@@ -245,7 +268,7 @@ void TLookupDropDown::KeyPress(char& key) { box_.KeyPress(key); }
 void TLookupDropDown::ProcessCellClick(int64_t record, int, TShiftState) { ProcessRecordHover(record); }
 
 void TLookupDropDown::ProcessRecordHover(int64_t record) {
-    if (DataSet() && record >= 0 && record < DataSet()->RecordsFetched()) Highlight(record);
+    if (DataSet() && DataSet()->RowOf(record) >= 0) Highlight(record);
 }
 
 void TLookupDropDown::ProcessRecordRelease(int64_t record) {
@@ -315,7 +338,8 @@ void TDBLookupComboBox::LookupShown() {
 
 void TDBLookupComboBox::PlaceList() {
     TDataSet* data = list_->DataSet();
-    const auto rows = static_cast<int>(std::clamp<int64_t>(data ? data->FetchTo(dropDownRows_) : 1, 1, dropDownRows_));
+    int64_t rows = dropDownRows_;
+    if (data && !data->IsPaged()) rows = std::clamp<int64_t>(data->FetchTo(rows), 1, rows);
     int width = dropDownWidth_;
     if (width == 0) {
         width = Width();
@@ -333,7 +357,7 @@ void TDBLookupComboBox::PlaceList() {
             left = (Width() - width) / 2;
             break;
     }
-    list_->SetBounds(left, Height(), width, rows * list_->RowHeight() + 2 * db_lookup_detail::kEdge);
+    list_->SetBounds(left, Height(), width, static_cast<int>(rows) * list_->RowHeight() + 2 * db_lookup_detail::kEdge);
 }
 
 void TDBLookupComboBox::DropDown() {
@@ -355,7 +379,7 @@ void TDBLookupComboBox::CloseUp(Close how) {
     const int64_t record = list_->HighlightedRecord();
     list_->SetVisible(false);
     PeerChanged(PeerChange::Style);
-    if (how == Close::Take && record >= 0 && record != TheLookup().Record()) TheLookup().Choose(record);
+    if (how == Close::Take && record >= 0 && !TheLookup().IsOf(record)) TheLookup().Choose(record);
     OnCloseUp(this);
 }
 
@@ -394,10 +418,8 @@ void TDBLookupComboBox::KeyDown(uint16_t& key, TShiftState shift) {
         }
     } else if (vertical && TheLookup().CanChange()) {
         TheLookup().EndSearch();
-        const int64_t record = TheLookup().Record();
-        TDataSet& data = *TheLookup().List().DataSet();
-        const int64_t target = std::max<int64_t>(record + (key == VK_UP ? -1 : 1), 0);
-        if (target != record && target < data.FetchTo(target + 1)) TheLookup().Choose(target);
+        const int64_t target = RecordBeside(*TheLookup().List().DataSet(), TheLookup().Record(), key == VK_UP ? -1 : 1);
+        if (target >= 0 && !TheLookup().IsOf(target)) TheLookup().Choose(target);
     } else {
         return;
     }

@@ -10,17 +10,20 @@
 // Controls that choose a field's value among the records of another dataset.
 namespace vyn {
 
-// Records in rows of which one is highlighted: a grid whose current row is no dataset's.
+// Records in rows of which one is highlighted: a grid whose current row is no dataset's. In a paged dataset, where
+// records have no lasting numbers, it is the current record that is highlighted.
 class TLookupRows : public TCustomDBGrid {
     VYN_OBJECT
   public:
     explicit TLookupRows(TComponent* owner);
     // Shows the list of a lookup and highlights its record.
     void Follow(Lookup& lookup);
-    int64_t HighlightedRecord() const override { return highlighted_; }
+    int64_t HighlightedRecord() const override;
     void Highlight(int64_t record);
     // Where a key goes from the highlighted record, or nothing for other keys.
     std::optional<int64_t> RecordFor(uint16_t key, TShiftState shift);
+    // What the same keys do where nothing may be chosen; false for other keys.
+    bool ScrollFor(uint16_t key, TShiftState shift);
     // The width that shows every field.
     int NaturalWidth() const;
     void SetBounds(int left, int top, int width, int height) override;

@@ -21,7 +21,7 @@ bool IsNone(const LookupKey& key) {
 Lookup::Lookup(LookupLink& link, std::function<void()> shown, std::function<void()> chosen)
     : link_(link), shown_(std::move(shown)), chosen_(std::move(chosen)), list_([this] {
           if (closed_) return;
-          record_.reset();
+          Forget();
           EndSearch();
           shown_();
       }) {}
@@ -68,24 +68,32 @@ void Lookup::Refresh() {
     else if (bound_)
         key_.clear();
     bound_ = link_.DataSource() != nullptr;
-    record_.reset();
+    Forget();
     Tell(shown_);
 }
 
 void Lookup::ShowKey(LookupKey key) {
     key_ = std::move(key);
-    record_.reset();
+    Forget();
     Tell(shown_);
 }
 
 int64_t Lookup::Record() {
-    if (!record_) record_ = key_.empty() ? -1 : list_.Find(key_);
+    if (key_.empty()) return -1;
+    // Numbers in pages do not stay.
+    if (list_.IsPaged()) return list_.Find(key_);
+    if (!record_) record_ = list_.Find(key_);
     return *record_;
 }
 
-AnsiString Lookup::Text() {
-    if (list_.DataSet()) return list_.TextOf(Record());
-    return link_.LooksUp() ? link_.Field()->DisplayText() : AnsiString();
+const AnsiString& Lookup::Text() {
+    if (!text_) {
+        if (list_.DataSet())
+            text_ = list_.TextOf(key_);
+        else
+            text_ = link_.LooksUp() ? link_.Field()->DisplayText() : AnsiString();
+    }
+    return *text_;
 }
 
 bool Lookup::CanChange() const {
@@ -111,10 +119,10 @@ bool Lookup::Put(LookupKey key) {
 
 bool Lookup::Choose(int64_t record) {
     TDataSet* data = list_.DataSet();
-    if (!CanChange() || record < 0 || record >= data->FetchTo(record + 1)) return false;
+    if (!CanChange() || record < data->FirstRecord() || record >= data->Reach(record, 1)) return false;
     LookupKey key = list_.KeyOf(record);
     data->SetCurrentRecord(record);
-    if (record != Record() && !Put(std::move(key))) return false;
+    if (!SameKeys(key, key_) && !Put(std::move(key))) return false;
     Tell(chosen_);
     return true;
 }

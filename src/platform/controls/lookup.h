@@ -38,10 +38,11 @@ class Lookup {
     const LookupKey& Key() const { return key_; }
     // Shows a value; for controls that are bound to no field.
     void ShowKey(LookupKey key);
-    // The list's record with the value, or -1; its text, which is empty without one. Where the list is closed a
-    // looked-up field still knows its text.
+    // The list's record with the value, or -1.
     int64_t Record();
-    AnsiString Text();
+    bool IsOf(int64_t record) const { return SameKeys(list_.KeyOf(record), key_); }
+    // Its text, which is empty without one; where the list is closed a looked-up field still knows it.
+    const AnsiString& Text();
 
     bool CanChange() const;
     // The user's choice: the value of a record, or none. False when it may not be made.
@@ -60,6 +61,10 @@ class Lookup {
 
   private:
     LookupKey KeyOfField() const;
+    void Forget() {
+        record_.reset();
+        text_.reset();
+    }
     bool Put(LookupKey key);
     void Tell(const std::function<void()>& what) const {
         if (!closed_) what();
@@ -73,7 +78,9 @@ class Lookup {
     std::unique_ptr<TDataSource> ownSource_;
     LookupKey key_;
     std::optional<LookupKey> before_;
+    // What was found for the value, until something changes.
     std::optional<int64_t> record_;
+    std::optional<AnsiString> text_;
     AnsiString searched_;
     int64_t searchedRecord_ = 0;
     uint32_t searchedAt_ = 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/text/compare.h"
+#include "platform/text/exceptions.h"
 #include "platform/text/numbers.h"
 
 namespace vyn {
@@ -27,6 +28,33 @@ std::string KeyText(const LookupKey& key) {
 size_t HashOf(const std::string& keyText) { return std::hash<std::string>()(keyText); }
 
 }  // namespace lookup_list_detail
+
+bool SameKeys(const LookupKey& a, const LookupKey& b) {
+    return a.size() == b.size() && lookup_list_detail::KeyText(a) == lookup_list_detail::KeyText(b);
+}
+
+int64_t RecordBeside(TDataSet& data, int64_t record, int64_t distance) {
+    if (record < 0) return FirstRecordOf(data);
+    if (data.IsPaged()) {
+        data.SetCurrentRecord(record);
+        data.MoveBy(distance);
+        return data.CurrentRecord();
+    }
+    const int64_t target = std::max<int64_t>(record + distance, 0);
+    return std::min(target, data.FetchTo(target + 1) - 1);
+}
+
+int64_t FirstRecordOf(TDataSet& data) {
+    if (!data.IsPaged()) return data.FetchTo(1) > 0 ? 0 : -1;
+    data.First();
+    return data.CurrentRecord();
+}
+
+int64_t LastRecordOf(TDataSet& data) {
+    if (!data.IsPaged()) return data.RecordCount() - 1;
+    data.Last();
+    return data.CurrentRecord();
+}
 
 std::vector<AnsiString> SplitFieldNames(const AnsiString& names) {
     std::vector<AnsiString> parts;
@@ -150,19 +178,35 @@ const TField* LookupList::TextField() const {
 
 LookupKey LookupList::KeyOf(int64_t record) const {
     LookupKey key;
+    if (!DataSet()) return key;
     for (const TField* field : KeyFields()) key.push_back(field->ValueIn(record));
     return key;
 }
 
-AnsiString LookupList::TextOf(int64_t record) const {
-    const TField* field = DataSet() && record >= 0 ? TextField() : nullptr;
-    return field ? field->DisplayTextOf(record) : AnsiString();
+AnsiString LookupList::KeyNames() const {
+    AnsiString names;
+    for (const AnsiString& name : keys_) names += (names.empty() ? "" : ";") + name;
+    return names;
+}
+
+AnsiString LookupList::TextOf(const LookupKey& key) {
+    TDataSet* data = DataSet();
+    const TField* field = data ? TextField() : nullptr;
+    if (!field || key.size() != keys_.size()) return {};
+    // The text of a record that is not at hand is the value's own.
+    if (data->IsPaged()) return VarToStr(data->Lookup(KeyNames(), key, field->FieldName()));
+    const int64_t record = Find(key);
+    return record >= 0 ? field->DisplayTextOf(record) : AnsiString();
 }
 
 int64_t LookupList::Find(const LookupKey& key) {
     using namespace lookup_list_detail;
     TDataSet* data = DataSet();
     if (!data || key.size() != keys_.size()) return -1;
+    if (data->IsPaged()) {
+        const bool here = data->RowOf(data->CurrentRecord()) >= 0 && SameKeys(KeyOf(data->CurrentRecord()), key);
+        return here || data->Locate(KeyNames(), key) ? data->CurrentRecord() : -1;
+    }
     const std::string wanted = KeyText(key);
     const size_t hash = HashOf(wanted);
     if (const auto known = passed_.find(hash); known != passed_.end()) {
@@ -186,6 +230,16 @@ int64_t LookupList::FindText(const AnsiString& text, int64_t from) const {
     TDataSet* data = DataSet();
     const TField* field = data ? TextField() : nullptr;
     if (!field) return -1;
+    if (data->IsPaged()) {
+        try {
+            if (data->Locate(field->FieldName(), Variant(text), {loCaseInsensitive, loPartialKey}))
+                return data->CurrentRecord();
+        } catch (const EConvertError&) {
+            // What is typed is no number, or no date yet: there is no such record.
+        } catch (const EVariantError&) {
+        }
+        return -1;
+    }
     for (int64_t record = std::max<int64_t>(from, 0); record < data->FetchTo(record + 1); ++record) {
         AnsiString held = field->DisplayTextOf(record);
         if (held.size() < text.size()) continue;

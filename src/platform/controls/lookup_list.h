@@ -31,7 +31,9 @@ class LookupLink : public TFieldDataLink {
 // The records that a lookup chooses among: which of their fields are its value, and which are shown.
 //
 // Records go by their numbers, and looking for one moves no dataset. Fetches no further than to the record that is
-// looked for; what was passed on the way is found at once the next time. Fields that are not there are left out.
+// looked for; what was passed on the way is found at once the next time. Of a large table that is read in pages the
+// engine finds the record: that makes it the current one, as only those beside it are at hand then. Fields that are not
+// there are left out.
 class LookupList {
   public:
     explicit LookupList(std::function<void()> changed);
@@ -50,11 +52,14 @@ class LookupList {
     // The first record, from `from` on, whose text begins so, without regard to case, or -1.
     int64_t FindText(const AnsiString& text, int64_t from) const;
     LookupKey KeyOf(int64_t record) const;
-    AnsiString TextOf(int64_t record) const;
+    // Of the record with this value, empty without one; moves nothing in any case.
+    AnsiString TextOf(const LookupKey& key);
+    bool IsPaged() const { return DataSet() && DataSet()->IsPaged(); }
 
   private:
     class Link;
     std::vector<const TField*> KeyFields() const;
+    AnsiString KeyNames() const;
     const TField* TextField() const;
     void Forget();
 
@@ -66,6 +71,13 @@ class LookupList {
     std::unordered_map<size_t, int64_t> passed_;
     int64_t passedTo_ = 0;
 };
+
+bool SameKeys(const LookupKey& a, const LookupKey& b);
+// The record so far from another (or, from none, the first), and the first and last ones; those of a paged dataset
+// become current.
+int64_t RecordBeside(TDataSet& data, int64_t record, int64_t distance);
+int64_t FirstRecordOf(TDataSet& data);
+int64_t LastRecordOf(TDataSet& data);
 
 // The parts of a list of names that are separated by semicolons, without the empty ones.
 std::vector<AnsiString> SplitFieldNames(const AnsiString& names);
