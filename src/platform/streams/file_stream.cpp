@@ -212,6 +212,10 @@ void WriteFileAtomically(const AnsiString& fileName, const std::function<void(TS
         ::unlink(SystemFileName(temporary).c_str());
         throw;
     }
+    PutInPlace(temporary, fileName);
+}
+
+void PutInPlace(const AnsiString& temporary, const AnsiString& fileName) {
     if (std::rename(SystemFileName(temporary).c_str(), SystemFileName(fileName).c_str()) != 0) {
         const AnsiString reason = file_detail::Reason(errno);
         ::unlink(SystemFileName(temporary).c_str());

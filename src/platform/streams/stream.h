@@ -167,5 +167,7 @@ std::string SystemFileName(const AnsiString& fileName);
 // Writes a whole file so that an interruption at any point leaves the old one: a temporary file beside it, put on
 // the disk, then renamed. `write` fills the stream; an exception from it leaves the old file and no temporary one.
 void WriteFileAtomically(const AnsiString& fileName, const std::function<void(TStream&)>& write);
+// The end of that for files that others write: renames `temporary`, which is on the disk already, over `fileName`.
+void PutInPlace(const AnsiString& temporary, const AnsiString& fileName);
 
 }  // namespace vyn
