@@ -7,12 +7,14 @@
 #include "events/Ucampsbuscar.h"
 #include "events/Ueventsvyn.h"
 #include "foundation/Uparametres.h"
+#include "legacy/files.h"
 #include "page.h"
 #include "platform/streams/reader.h"
 #include "platform/streams/stream.h"
 #include "platform/streams/text_form.h"
 #include "platform/streams/writer.h"
 #include "platform/system/version_resource.h"
+#include "providers/legacy/pages.h"
 #include "query/Uquerysql.h"
 
 using namespace vyn;
@@ -235,4 +237,16 @@ TEST(FormatPages, TheVersionResourceIsRead) {
     ASSERT_TRUE(fixed.has_value());
     EXPECT_EQ(fixed->size(), 52u);
     EXPECT_EQ(fixed->substr(28, 4), std::string_view("\2\0\0\0", 4));
+}
+
+TEST(FormatPages, TheDesignOfALegacyTableIsRead) {
+    const std::string file = legacy_files::Bytes(legacy_files::Path("trade97.mdb"));
+    const legacy::Pages pages(file, "", {});
+    legacy::Table table;
+    table.Columns.resize(1);
+    table.Columns[0].Name = "Nom";
+    const std::string bytes = Page("legacy-database.md").ExampleBytes();
+    legacy::ReadProperties(pages, bytes, table);
+    EXPECT_TRUE(table.Columns[0].Required);
+    EXPECT_EQ(table.Columns[0].Default, "\"x\"");
 }

@@ -15,6 +15,7 @@
 #include "programs/host/node_forms.h"
 #include "programs/host/rule_procedures.h"
 #include "programs/vyn/script_database.h"
+#include "providers/legacy/connection.h"
 #include "providers/odbc/connection.h"
 #include "providers/postgresql/connection.h"
 #include "providers/sqlite/connection.h"
@@ -67,6 +68,7 @@ Session::Session(const RunOptions& options) {
     RunOptions wanted = options;
     if (wanted.Demo) wanted.File = DemoFolder();
     RegisterSqliteProvider();
+    RegisterLegacyProvider();
     RegisterPostgresqlProvider();
     RegisterOdbcProvider();
     file_ = ExpandFileName(Utf8ToAnsi(wanted.File));

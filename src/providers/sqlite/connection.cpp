@@ -188,29 +188,7 @@ class SqliteConnection final : public ProviderConnection {
 
 }  // namespace sqlite_provider
 
-namespace sqlite_provider {
-
-// Every database file of this engine begins with this, and a zero.
-constexpr char kFileMark[] = "SQLite format 3";
-
-// Stored applications name files of a desktop database.
-void RequireOwnFormat(const AnsiString& file) {
-    if (!FileExists(file)) throw EDatabaseError("Data Source=" + file + ": the file does not exist");
-    char mark[sizeof kFileMark] = {};
-    TFileStream stream(file, TFileMode::fmOpenRead);
-    const bool whole = stream.Read(mark, sizeof mark) == static_cast<int64_t>(sizeof mark);
-    if (!whole || std::memcmp(mark, kFileMark, sizeof mark) != 0)
-        throw EDatabaseError("Data Source=" + file + ": the file is no database that can be opened");
-}
-
-}  // namespace sqlite_provider
-
 void RegisterSqliteProvider() {
-    RegisterProvider("Microsoft.Jet.OLEDB.4.0",
-                     [](const ConnectionString& settings) -> std::unique_ptr<ProviderConnection> {
-                         sqlite_provider::RequireOwnFormat(settings.Value("Data Source"));
-                         return std::make_unique<sqlite_provider::SqliteConnection>(settings);
-                     });
     RegisterProvider("SQLite", [](const ConnectionString& settings) -> std::unique_ptr<ProviderConnection> {
         return std::make_unique<sqlite_provider::SqliteConnection>(settings);
     });

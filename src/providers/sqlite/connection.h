@@ -12,9 +12,6 @@ namespace vyn {
 // with the connection; Mode=ReadOnly: nothing is written). A file that is not there is made, its folder is not.
 // Write-ahead log, full synchronisation, foreign keys on, and a wait of some seconds for other writers (Busy Timeout:
 // milliseconds).
-//
-// "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=FILE" of stored applications opens a file that is there and in this
-// engine's format.
 void RegisterSqliteProvider();
 
 namespace sqlite_provider {

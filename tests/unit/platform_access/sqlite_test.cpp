@@ -120,7 +120,7 @@ TEST_F(Sqlite, AFolderThatIsNotThereSaysSo) {
 TEST_F(Sqlite, AnUnknownProviderIsNamed) {
     connection_.SetConnectionString("Provider=Nope;Password=secret");
     EXPECT_EQ(MessageOf([&] { connection_.Open(); }),
-              "EDatabaseError: Provider=Nope: there is no such provider; there are: Microsoft.Jet.OLEDB.4.0, SQLite");
+              "EDatabaseError: Provider=Nope: there is no such provider; there are: SQLite");
 }
 
 TEST_F(Sqlite, ClosingTheConnectionClosesItsDataSets) {
