@@ -32,11 +32,22 @@ struct SqlOptions {
     bool Json = false;
 };
 
+struct ImportCommandOptions {
+    std::string File;
+    std::string Output;
+    bool Force = false;     // replaces a database that is there
+    bool Damaged = false;   // leaves out what cannot be read
+    bool Password = false;  // from standard input
+    bool Json = false;
+};
+
 int BuildCommand(const std::string& folder, const std::string& output);
 int ExportCommand(const std::string& file, const std::string& folder);
 int DumpCommand(const std::string& file, bool json);
 // Prints the statements that a node's queries compose.
 int SqlCommand(const SqlOptions& options);
+// Reads a legacy desktop database into a new embedded one, and says what did not come over.
+int ImportCommand(const ImportCommandOptions& options);
 int PasswordCommand();
 // Prints the number in the shortest form that reads back equal. `values`: NAME=VALUE each
 // (programs/tools/named_values.h).

@@ -10,7 +10,7 @@ namespace completion_detail {
 constexpr char kBash[] = R"(# bash completion for vyn: source <(vyn completion bash)
 _vyn() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]} subcommand=${COMP_WORDS[1]}
-    local subcommands="run demo shot build export dump sql eval password completion"
+    local subcommands="run demo shot build export dump sql eval import password completion"
     if [ "$COMP_CWORD" -eq 1 ]; then
         COMPREPLY=($(compgen -W "$subcommands --help --version" -- "$current"))
         return
@@ -27,6 +27,7 @@ _vyn() {
         shot) options="--output --size --values --database --help" ;;
         build | export) options="--output --help" ;;
         dump) options="--json --help" ;;
+        import) options="--output --force --damaged --password --json --help" ;;
         sql) options="--json --values --database --help" ;;
     esac
     case $current in

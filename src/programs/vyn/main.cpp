@@ -97,6 +97,15 @@ int Run(int argc, char** argv) {
     evalCommand->add_option("EXPRESSION", expression, "the expression, without blanks")->required();
     evalCommand->add_option("NAME=VALUE", values, "its variables")->check(CheckNamedValue);
     evalCommand->footer("-- ends the options: an expression may begin with a minus sign.");
+    ImportCommandOptions import;
+    CLI::App* importCommand =
+        program.add_subcommand("import", "Read a legacy desktop database into a new embedded one");
+    importCommand->add_option("OLD", import.File, "the legacy database")->required();
+    importCommand->add_option("-o,--output", import.Output, "the new database")->required()->type_name("NEW");
+    importCommand->add_flag("--force", import.Force, "replace the new database when it is there");
+    importCommand->add_flag("--damaged", import.Damaged, "leave out what cannot be read, and say so");
+    importCommand->add_flag("--password", import.Password, "read the file's password from standard input");
+    importCommand->add_flag("--json", import.Json, "print one JSON document");
     CLI::App* passwordCommand =
         program.add_subcommand("password", "Read a password and print what a guard form stores of it");
     CLI::App* completionCommand = program.add_subcommand("completion", "Print a completion script");
@@ -126,6 +135,7 @@ int Run(int argc, char** argv) {
     if (dumpCommand->parsed()) return DumpCommand(file, json);
     if (sqlCommand->parsed()) return SqlCommand(sql);
     if (evalCommand->parsed()) return EvalCommand(expression, values);
+    if (importCommand->parsed()) return ImportCommand(import);
     if (passwordCommand->parsed()) return PasswordCommand();
     return CompletionCommand(shell);
 }
