@@ -433,5 +433,5 @@ TEST_P(Server, NothingIsLeftAtTheServerWhenATableIsClosed) {
     EXPECT_EQ(relay.Connections(), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, Server, testing::Values(Way{"PostgreSQL", false}),
+INSTANTIATE_TEST_SUITE_P(All, Server, testing::Values(Way{"PostgreSQL", false}, Way{"PostgreSQLThroughODBC", true}),
                          [](const auto& each) { return std::string(each.param.name); });

@@ -98,6 +98,8 @@ struct QueryShape {
     AnsiString Source;        // the table or view behind FROM, without its schema; empty for a query in parentheses
 };
 QueryShape ShapeOf(const AnsiString& sql);
+// Whether a statement changes nothing, as far as can be seen.
+bool ReadsOnly(const AnsiString& sql);
 
 // What a query of one SELECT shows, column by column: the name of the column that an item is, whatever it is called in
 // the result, or empty for what is computed. Nothing at all when the columns cannot be told: behind "*".

@@ -39,6 +39,20 @@ AnsiString SpellNames(const AnsiString& sql, const std::vector<AnsiString>& name
     return text;
 }
 
+bool ReadsOnly(const AnsiString& sql) {
+    bool reads = false, first = true;
+    for (const SqlToken& token : TokenizeSql(sql)) {
+        if (token.Kind == SqlTokenKind::Blank || token.Kind == SqlTokenKind::Comment) continue;
+        if (first)
+            for (const char* word : {"SELECT", "VALUES", "TABLE", "WITH", "SHOW"})
+                reads = reads || IsKeyword(token, word) || token.Text == "(";
+        first = false;
+        for (const char* word : {"INSERT", "DELETE", "MERGE", "INTO"})
+            if (IsKeyword(token, word)) reads = false;
+    }
+    return reads;
+}
+
 namespace query_shape_detail {
 
 bool IsSymbol(const SqlToken& token, char symbol) {

@@ -28,6 +28,7 @@ Engine Sqlite() {
     engine.DatesAsTexts = true;
     engine.NamesAliases = true;
     engine.SystemPrefix = "sqlite_";
+    engine.ErrorNumbers = Numbers::Sqlite;
     return engine;
 }
 

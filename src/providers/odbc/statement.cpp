@@ -3,6 +3,7 @@
 #include <cstring>
 #include <map>
 
+#include "platform/access/dialect.h"
 #include "platform/access/sql_tokens.h"
 #include "platform/text/compare.h"
 #include "platform/text/exceptions.h"
@@ -197,7 +198,10 @@ TFieldType FieldTypeOf(SQLSMALLINT type, const AnsiString& name, SQLULEN size, S
 class OdbcStatement final : public ProviderStatement {
   public:
     OdbcStatement(OdbcConnection& connection, const AnsiString& sql)
-        : connection_(connection), sql_(sql), statement_(connection.NewStatement()) {
+        : connection_(connection),
+          sql_(sql),
+          statement_(connection.NewStatement()),
+          generation_(connection.Generation()) {
         if (sql.find('\0') != AnsiString::npos)
             throw EDatabaseError("The database cannot hold a NUL character in a text or name");
         bool empty = true;
@@ -227,17 +231,15 @@ class OdbcStatement final : public ProviderStatement {
         parameters_.clear();
         for (const ProviderValue& value : values) parameters_.push_back(ParameterOf(value, connection_.Engine()));
         parameters_.resize(static_cast<size_t>(parameterCount_));
-        SQLUSMALLINT number = 0;
-        for (Parameter& each : parameters_)
-            Check(SQLBindParameter(statement_.Get(), ++number, SQL_PARAM_INPUT, each.cType, each.sqlType, each.size,
-                                   each.decimals, each.bytes.data(), static_cast<SQLLEN>(each.bytes.size()),
-                                   &each.indicator),
-                  "A parameter cannot be bound");
+        BindParameters();
     }
 
     int64_t Execute() override {
         Stop();
-        Start();
+        {
+            const OdbcConnection::Storing storing(connection_, connection_.TransactionDepth() == 0 && !ReadsOnly(sql_));
+            Start();
+        }
         SQLLEN changed = 0;
         SQLRowCount(statement_.Get(), &changed);
         Stop();
@@ -245,16 +247,19 @@ class OdbcStatement final : public ProviderStatement {
     }
 
     bool Fetch(RowStore& rows, int64_t count) override {
-        Start();
+        {
+            const OdbcConnection::Storing storing(connection_, connection_.TransactionDepth() == 0 && !ReadsOnly(sql_));
+            Start();
+        }
         if (!columnsKnown_) Describe();
         for (; count > 0 && !done_; --count) {
-            const SQLRETURN result = SQLFetch(statement_.Get());
+            const SQLRETURN result = connection_.Call(
+                statement_, [&] { return SQLFetch(statement_.Get()); }, kStatementFailed);
             if (result == SQL_NO_DATA) {
                 Stop();
                 started_ = done_ = true;
                 return false;
             }
-            Check(result, kStatementFailed);
             rows.BeginRow();
             for (size_t i = 0; i < columns_.size(); ++i) PutValue(rows, i);
             rows.EndRow();
@@ -267,6 +272,25 @@ class OdbcStatement final : public ProviderStatement {
         odbc_provider::Check(result, SQL_HANDLE_STMT, statement_.Get(), what);
     }
 
+    void BindParameters() {
+        SQLUSMALLINT number = 0;
+        for (Parameter& each : parameters_)
+            Check(SQLBindParameter(statement_.Get(), ++number, SQL_PARAM_INPUT, each.cType, each.sqlType, each.size,
+                                   each.decimals, each.bytes.data(), static_cast<SQLLEN>(each.bytes.size()),
+                                   &each.indicator),
+                  "A parameter cannot be bound");
+    }
+
+    // In a connection that was made again everything is prepared anew.
+    void Renew() {
+        connection_.Ready();
+        if (generation_ == connection_.Generation()) return;
+        statement_ = connection_.NewStatement();
+        generation_ = connection_.Generation();
+        PrepareText();
+        BindParameters();
+    }
+
     void PrepareText() {
         WithNames([&] {
             std::u16string wide = WideOf(sql_);
@@ -277,9 +301,9 @@ class OdbcStatement final : public ProviderStatement {
     // Once more with the catalog's names, where the engine misses those of the statement.
     template <class F>
     SQLRETURN WithNames(F action) {
-        SQLRETURN result = action();
+        SQLRETURN result = SQL_SUCCESS;
         try {
-            Check(result, kStatementFailed);
+            result = connection_.Call(statement_, action, kStatementFailed);
         } catch (const EOdbcError& error) {
             constexpr const char* kUnknown[] = {"42P01", "42703", "42S02", "42S22"};
             const bool unknown = std::find(std::begin(kUnknown), std::end(kUnknown), error.State) != std::end(kUnknown);
@@ -290,14 +314,14 @@ class OdbcStatement final : public ProviderStatement {
             sql_ = named;
             std::u16string wide = WideOf(sql_);
             Check(SQLPrepareW(statement_.Get(), Wide(wide), static_cast<SQLINTEGER>(wide.size())), kStatementFailed);
-            result = action();
-            Check(result, kStatementFailed);
+            result = connection_.Call(statement_, action, kStatementFailed);
         }
         return result;
     }
 
     void Start() {
         if (started_) return;
+        Renew();
         const SQLRETURN result = WithNames([&] { return SQLExecute(statement_.Get()); });
         started_ = true;
         // Nothing was changed, and so nothing is given back.
@@ -505,6 +529,7 @@ class OdbcStatement final : public ProviderStatement {
     OdbcConnection& connection_;
     AnsiString sql_;
     StatementHandle statement_;
+    int generation_ = 0;
     int parameterCount_ = 0;
     std::vector<Parameter> parameters_;
     std::vector<FieldDefinition> columns_;

@@ -123,20 +123,6 @@ DatabaseFault FaultOf(const AnsiString& state) {
     return DatabaseFault::None;
 }
 
-bool ReadsOnly(const AnsiString& sql) {
-    bool reads = false, first = true;
-    for (const SqlToken& token : TokenizeSql(sql)) {
-        if (token.Kind == SqlTokenKind::Blank || token.Kind == SqlTokenKind::Comment) continue;
-        if (first)
-            for (const char* word : {"SELECT", "VALUES", "TABLE", "WITH", "SHOW"})
-                reads = reads || IsKeyword(token, word) || token.Text == "(";
-        first = false;
-        for (const char* word : {"INSERT", "DELETE", "MERGE", "INTO"})
-            if (IsKeyword(token, word)) reads = false;
-    }
-    return reads;
-}
-
 void PostgresqlConnection::Check(PGresult* result, const char* what) {
     // Errors without a code are libpq's own: the end of the connection may only be found by reading on.
     const ExecStatusType status = PQresultStatus(result);

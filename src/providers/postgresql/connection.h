@@ -166,9 +166,6 @@ class PostgresqlConnection final : public ProviderConnection {
     int cursors_ = 0;  // opened in it
 };
 
-// Whether a statement changes nothing, as far as can be seen.
-bool ReadsOnly(const AnsiString& sql);
-
 // What a result is: read through a cursor, or at once.
 std::unique_ptr<ProviderStatement> PrepareStatement(PostgresqlConnection& connection, const AnsiString& sql);
 
