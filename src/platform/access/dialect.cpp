@@ -107,6 +107,7 @@ class Translator {
         FindLimits();
         FindWords();
         FindJoinedTexts();
+        FindMemos();
     }
 
     EngineSql Write() {
@@ -271,6 +272,43 @@ class Translator {
             end();
             open.pop_back();
             joins.pop_back();
+        }
+    }
+
+    // MEMO as the type of a column that is made.
+    void FindMemos() {
+        if (dialect_.Memo.empty()) return;
+        constexpr size_t kNoColumn = 2;
+        // Tokens into a column's definition, whose second is its type.
+        size_t place = kNoColumn;
+        int depth = 0;
+        bool creates = false, alters = false, first = true;
+        for (size_t i = 0; i < tokens_.size(); ++i) {
+            const SqlToken& token = tokens_[i];
+            if (IsFiller(token)) continue;
+            if (IsSymbol(token, ';')) {
+                depth = 0;
+                place = kNoColumn;
+                first = true;
+                continue;
+            }
+            if (first) {
+                const size_t next = NextToken(i);
+                const bool aside = HasKeyword(next, "TEMP") || HasKeyword(next, "TEMPORARY");
+                creates = IsKeyword(token, "CREATE") && HasKeyword(aside ? NextToken(next) : next, "TABLE");
+                alters = IsKeyword(token, "ALTER") && HasKeyword(next, "TABLE");
+                first = false;
+            }
+            if (IsSymbol(token, '(')) ++depth;
+            if (IsSymbol(token, ')')) --depth;
+            const bool begins = (creates && depth == 1 && (IsSymbol(token, '(') || IsSymbol(token, ','))) ||
+                                (alters && depth == 0 && (IsKeyword(token, "ADD") || IsKeyword(token, "COLUMN")));
+            if (begins) {
+                place = 0;
+                continue;
+            }
+            if (place == 1 && IsKeyword(token, "MEMO") && !HasKeyword(NextToken(i), "TEXT")) Say(i, dialect_.Memo);
+            if (place < kNoColumn) place = IsKeyword(token, "CONSTRAINT") ? kNoColumn : place + 1;
         }
     }
 

@@ -54,6 +54,8 @@ struct EngineDialect {
     AnsiString Now = "LOCALTIMESTAMP";
     AnsiString Today = "CURRENT_DATE";
     AnsiString TimeNow = "LOCALTIME";
+    // The type of columns for long texts where the engine does not know MEMO for one.
+    AnsiString Memo;
     AnsiString True = "TRUE";
     AnsiString False = "FALSE";
     // Behind a SELECT that holds its row for the transaction; empty where writing locks.

@@ -20,6 +20,8 @@ EngineDialect SqliteDialect() {
     dialect.Now = "datetime('now', 'localtime')";
     dialect.Today = "date('now', 'localtime')";
     dialect.TimeNow = "time('now', 'localtime')";
+    // Of a type that does not say TEXT, "007" would become 7.
+    dialect.Memo = "MEMO TEXT";
     return dialect;
 }
 
@@ -31,6 +33,7 @@ EngineDialect PostgresqlDialect() {
     dialect.DateTimeBefore = "TIMESTAMP '";
     dialect.Like = "ILIKE";
     dialect.HoldRow = " FOR UPDATE";
+    dialect.Memo = "TEXT";
     return dialect;
 }
 

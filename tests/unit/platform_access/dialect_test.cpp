@@ -144,3 +144,17 @@ TEST(NulCharacters, ThatNoEngineCanBeToldAreRefused) {
     EXPECT_EQ(messageOf(AnsiString("DELETE FROM t\0 WHERE a = 1", 26)),
               "The statement holds a NUL character outside its texts");
 }
+
+TEST(Dialect, OnlyTheTypesOfColumnsThatAreMadeAreMemos) {
+    const auto translated = [](const char* sql) {
+        return TranslateSql(sql, SqliteDialect(), ParameterParsing::Off).Text;
+    };
+    for (const char* sql :
+         {"CREATE TABLE memo (memo)", "CREATE TABLE t (a MEMO TEXT)", "CREATE TABLE t (memo TEXT)",
+          "CREATE TABLE t (a TEXT, PRIMARY KEY (a), CONSTRAINT memo UNIQUE (a))",
+          "CREATE TABLE t (a TEXT REFERENCES memo (memo))", "CREATE INDEX i ON memo (memo, a memo)",
+          "SELECT a memo FROM t memo", "ALTER TABLE t RENAME memo TO a", "INSERT INTO t (a, memo) VALUES (1, 2)"})
+        EXPECT_EQ(translated(sql), sql);
+    EXPECT_EQ(translated("CREATE TEMP TABLE t (a memo, b Memo(10)); CREATE TABLE u (c MEMO)"),
+              "CREATE TEMP TABLE t (a MEMO TEXT, b MEMO TEXT(10)); CREATE TABLE u (c MEMO TEXT)");
+}
