@@ -10,12 +10,13 @@ namespace vyn {
 class PreparedStatements {
   public:
     explicit PreparedStatements(ProviderConnection& connection) : connection_(connection) {}
-    // Belongs to the list, which may let go of it when another is asked for.
-    ProviderStatement& Get(const AnsiString& sql) {
+    // Belongs to the list, which may let go of it when another is asked for. What it gives back are `columns`.
+    ProviderStatement& Get(const AnsiString& sql, const std::vector<FieldDefinition>& columns = {}) {
         for (const auto& [text, statement] : statements_)
             if (text == sql) return *statement;
         if (statements_.size() >= kMost) statements_.erase(statements_.begin());
         statements_.emplace_back(sql, connection_.Prepare(sql));
+        if (!columns.empty()) statements_.back().second->ExpectColumns(columns);
         return *statements_.back().second;
     }
 

@@ -301,8 +301,7 @@ void TablePages::Run(Statement& statement, int64_t skip, int64_t count, RowStore
     if (count < INT64_MAX) statement.text += " LIMIT " + IntToStr(count);
     if (skip > 0) statement.text += " OFFSET " + IntToStr(skip);
     query_.Ready();
-    ProviderStatement& prepared = prepared_.Get(statement.text);
-    prepared.ExpectColumns(query_.Columns);
+    ProviderStatement& prepared = prepared_.Get(statement.text, query_.Columns);
     prepared.Bind(statement.values);
     // To the end, so that the engine is done with it.
     while (prepared.Fetch(rows, INT64_MAX)) {
@@ -426,8 +425,8 @@ bool TablePages::Follows(const Record& row, const Record& other) const {
 
 int64_t TablePages::Count() {
     query_.Ready();
-    ProviderStatement& prepared = prepared_.Get("SELECT COUNT(*) FROM (" + query_.Sql + "\n) AS vyn_page");
-    prepared.ExpectColumns({{"count", ftLargeint}});
+    ProviderStatement& prepared =
+        prepared_.Get("SELECT COUNT(*) FROM (" + query_.Sql + "\n) AS vyn_page", {{"count", ftLargeint}});
     prepared.Bind(query_.Values);
     RowStore rows({ColumnKind::Integer});
     while (prepared.Fetch(rows, INT64_MAX)) {

@@ -363,9 +363,10 @@ void TCustomDBGrid::SetTopRecord(int64_t record) {
     const auto among = [&](int64_t wanted, int64_t end) {
         return std::clamp(wanted, data->FirstRecord(), std::max(data->FirstRecord(), end - rows));
     };
-    int64_t top = among(record, data->Reach(record, rows));
+    // With the one that is seen in part.
+    int64_t top = among(record, data->Reach(record, rows + 1));
     // At the end a whole screen of records stands before it.
-    if (top < record) top = among(top, data->Reach(top, rows));
+    if (top < record) top = among(top, data->Reach(top, rows + 1));
     top += data->SettleNumbers();
     if (top == TopRecord()) return;
     topRecord_ = top;

@@ -421,6 +421,9 @@ TField* TDataSet::Fields(int index) const {
 }
 
 TField* TDataSet::FindField(const AnsiString& name) const {
+    // Mostly it is spelt as the field is.
+    for (TField* field : fields_)
+        if (field->FieldName() == name) return field;
     for (TField* field : fields_)
         if (AnsiSameText(field->FieldName(), name)) return field;
     return nullptr;

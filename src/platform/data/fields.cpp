@@ -311,6 +311,11 @@ Currency TField::AsCurrency() const { return IsNull() ? Currency() : Value().AsC
 bool TField::AsBoolean() const { return !IsNull() && Value().AsBoolean(); }
 
 AnsiString TField::FormattedText(int64_t row, bool display) const {
+    // Texts as they are kept, by the shortest way.
+    const bool plain = (dataType_ == ftString || dataType_ == ftFixedChar || dataType_ == ftWideString) &&
+                       kind_ == fkData && column_ >= 0 && editMask_.empty() && row < dataSet_->Rows().Count() &&
+                       !dataSet_->EditedCell(row, column_);
+    if (plain) return Utf8ToAnsiLossy(dataSet_->Rows().Bytes(row, column_));
     const Variant value = ValueInRow(row);
     if (value.IsNull()) return {};
     const AnsiString& format = !display && !editFormat_.empty() ? editFormat_ : displayFormat_;

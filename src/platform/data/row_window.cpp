@@ -73,30 +73,30 @@ void RowWindow::Replace(std::vector<int64_t> view, int64_t base) {
 void RowWindow::GoStart() {
     if (atStart_) return;
     const int64_t from = rows_.Count();
-    pages_->ReadAfter(nullptr, 0, kScreen, rows_);
+    pages_->ReadAfter(nullptr, 0, screen_, rows_);
     misplaced_.clear();
     std::vector<int64_t> view = NewRows(from);
     atStart_ = true;
-    atEnd_ = static_cast<int64_t>(view.size()) < kScreen;
+    atEnd_ = static_cast<int64_t>(view.size()) < screen_;
     Replace(std::move(view), 0);
 }
 
 void RowWindow::GoEnd() {
     if (atEnd_) return;
     const int64_t from = rows_.Count();
-    pages_->ReadBefore(nullptr, 0, kScreen, rows_);
+    pages_->ReadBefore(nullptr, 0, screen_, rows_);
     misplaced_.clear();
     std::vector<int64_t> view = NewRows(from);
     std::reverse(view.begin(), view.end());
     const auto count = static_cast<int64_t>(view.size());
     atEnd_ = true;
-    atStart_ = count < kScreen;
+    atStart_ = count < screen_;
     Replace(std::move(view), atStart_ ? 0 : std::max(expected_, count + kRoomBefore) - count);
     expected_ = End();
 }
 
 int64_t RowWindow::NextStep(int direction) {
-    step_ = direction == direction_ ? std::min(step_ * 2, kLargestStep) : kScreen;
+    step_ = direction == direction_ ? std::min(step_ * 2, kLargestStep) : screen_;
     direction_ = direction;
     return step_;
 }
@@ -149,7 +149,7 @@ void RowWindow::Jump(int64_t record, int64_t count) {
         lastRow_ = std::make_unique<Record>(pages_->PlaceOf(rows_, last));
     }
     rows_.Truncate(from);
-    const int64_t wanted = std::max(count, kScreen);
+    const int64_t wanted = count > 1 ? count : screen_;
     const double part = static_cast<double>(record) / static_cast<double>(expected);
     bool backwards = false;
     if (!pages_->ReadFrom(*firstRow_, *lastRow_, part, wanted, rows_)) {
@@ -172,6 +172,7 @@ void RowWindow::Jump(int64_t record, int64_t count) {
 
 int64_t RowWindow::Reach(int64_t record, int64_t count) {
     record = std::max<int64_t>(record, 0);
+    if (count > 1) screen_ = std::clamp(count, kLeastScreen, kLargestScreen);
     const bool far = record >= End() + kFar || record + count <= base_ - kFar;
     if (far && !(record >= End() && atEnd_) && !(record < base_ && atStart_)) Jump(record, count);
     while (record + count > End() && !atEnd_) ExtendDown(record + count - End());
@@ -222,17 +223,17 @@ void RowWindow::Trim(int64_t record) {
 void RowWindow::ShowAround(int64_t row) {
     const Record place = pages_->PlaceOf(rows_, row);
     const int64_t from = rows_.Count();
-    pages_->ReadBefore(&place, 0, kScreen / 2, rows_);
+    pages_->ReadBefore(&place, 0, screen_ / 2, rows_);
     const int64_t middle = rows_.Count();
-    pages_->ReadAfter(&place, 0, kScreen / 2, rows_);
+    pages_->ReadAfter(&place, 0, screen_ / 2, rows_);
     misplaced_.clear();
     std::vector<int64_t> view;
     for (int64_t each = middle - 1; each >= from; --each) view.push_back(each);
     const auto before = static_cast<int64_t>(view.size());
     view.push_back(row);
     for (int64_t each = middle; each < rows_.Count(); ++each) view.push_back(each);
-    atStart_ = before < kScreen / 2;
-    atEnd_ = rows_.Count() - middle < kScreen / 2;
+    atStart_ = before < screen_ / 2;
+    atEnd_ = rows_.Count() - middle < screen_ / 2;
     heldRow_ = -1;
     const int64_t number = atStart_ ? before : std::max(current_, before);
     current_ = -1;

@@ -73,9 +73,11 @@ class RowWindow {
   private:
     // Rows that may be searched for are read at once: one, and so many times more each time that none was it.
     static constexpr int64_t kMoreMatches = 8;
-    // Rows read where somebody goes: a screen and a little more. Each further step in the same direction reads twice as
-    // many, up to so many.
+    // Rows read where somebody goes before it is known how many are looked at together, and the bounds of that. Each
+    // further step in the same direction reads twice as many, up to so many.
     static constexpr int64_t kScreen = 48;
+    static constexpr int64_t kLeastScreen = 8;
+    static constexpr int64_t kLargestScreen = 256;
     static constexpr int64_t kLargestStep = 1024;
     // Rows kept, and how many of them lie on either side of what was asked for when others are forgotten.
     static constexpr int64_t kMostRows = 4096;
@@ -109,6 +111,8 @@ class RowWindow {
     // The result's own first and last rows, once they were asked for.
     std::unique_ptr<Record> firstRow_, lastRow_;
     int64_t expected_ = 0;
+    // Rows read where somebody goes: as many as were looked at together last.
+    int64_t screen_ = kScreen;
     int64_t heldRow_ = -1;  // the current record's, while it is not in the view
     int direction_ = 0;
     int64_t step_ = 0;

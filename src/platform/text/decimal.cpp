@@ -1,5 +1,6 @@
 #include "platform/text/decimal.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -30,8 +31,14 @@ Decimal DecimalOf(long double value) {
     Decimal decimal;
     if (value == 0) return decimal;
     char buffer[64];
-    const auto written = std::to_chars(buffer, buffer + sizeof buffer, std::fabs(value), std::chars_format::scientific,
-                                       kExtendedDigits - 1);
+    const long double size = std::fabs(value);
+    const auto asDouble = static_cast<double>(size);
+    // The digits are the same, and of a double they are found many times faster.
+    const auto written =
+        static_cast<long double>(asDouble) == size
+            ? std::to_chars(buffer, buffer + sizeof buffer, asDouble, std::chars_format::scientific,
+                            kExtendedDigits - 1)
+            : std::to_chars(buffer, buffer + sizeof buffer, size, std::chars_format::scientific, kExtendedDigits - 1);
     const std::string_view text(buffer, static_cast<std::size_t>(written.ptr - buffer));
     bool negative = false;
     ReadDecimal(text, decimal, negative);
@@ -88,6 +95,7 @@ AnsiString PlainText(const Decimal& decimal, char separator, char thousands, int
     const int present = static_cast<int>(decimal.digits.size()) - whole;
     const int shown = decimals >= 0 ? decimals : decimal.IsZero() || present < 0 ? 0 : present;
     AnsiString text;
+    text.reserve(static_cast<std::size_t>(std::max(whole, 1) + shown + 1));
     if (whole <= 0) text = "0";
     for (int i = 0; i < whole; ++i) {
         if (thousands != '\0' && i > 0 && (whole - i) % kGroup == 0) text += thousands;

@@ -1,5 +1,7 @@
 #include "platform/text/windows1252.h"
 
+#include <algorithm>
+
 #include <fmt/format.h>
 
 #include "platform/text/exceptions.h"
@@ -77,6 +79,9 @@ AnsiString Utf8ToAnsi(std::string_view text) {
 }
 
 AnsiString Utf8ToAnsiLossy(std::string_view text) {
+    // Most texts are the same in both.
+    if (std::all_of(text.begin(), text.end(), [](char c) { return static_cast<signed char>(c) >= 0; }))
+        return AnsiString(text);
     AnsiString result;
     result.reserve(text.size());
     for (std::size_t at = 0; at < text.size();) {
