@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <map>
 #include <random>
+#include <set>
 #include <stdexcept>
 
 #include "platform/access/ado.h"
@@ -46,19 +47,14 @@ sqlite3* Embedded() {
     static sqlite3* database = [] {
         sqlite3* opened = nullptr;
         sqlite3_open(file.name.c_str(), &opened);
-        std::string sql = "PRAGMA journal_mode = WAL; PRAGMA synchronous = OFF;";
-        for (const int64_t rows : {kSmall, kMiddle, kLarge})
-            sql += "BEGIN; CREATE TABLE " + TableOf(rows) + kColumns +
-                   "; WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " +
-                   std::to_string(rows) + ") INSERT INTO " + TableOf(rows) +
-                   " SELECT i, i % 5000, 'client ' || i, 'city ' || (i % 300), (i % 100000) / 100.0, i / 7.0, "
-                   "date('2001-01-01', (i % 7000) || ' days'), CASE WHEN i % 3 THEN 'note ' || i END FROM n; "
-                   "CREATE INDEX name" +
-                   std::to_string(rows) + " ON " + TableOf(rows) + " (name); COMMIT;";
-        if (sqlite3_exec(opened, sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) Fail(sqlite3_errmsg(opened));
+        sqlite3_exec(opened, "PRAGMA journal_mode = WAL; PRAGMA synchronous = OFF", nullptr, nullptr, nullptr);
         return opened;
     }();
     return database;
+}
+
+void RunEmbedded(const std::string& sql) {
+    if (sqlite3_exec(Embedded(), sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) Fail(sqlite3_errmsg(Embedded()));
 }
 
 servers::PostgresqlCluster& Cluster() {
@@ -67,26 +63,41 @@ servers::PostgresqlCluster& Cluster() {
 }
 
 PGconn* Server() {
-    static PGconn* connection = [] {
-        PGconn* opened = PQconnectdb(
-            ("host=" + Cluster().Host() + " dbname=" + Cluster().Database() + " user=" + Cluster().User()).c_str());
-        for (const int64_t rows : {kSmall, kMiddle, kLarge}) {
-            const std::string table = TableOf(rows);
-            for (const std::string& sql :
-                 {"CREATE UNLOGGED TABLE " + table + kColumns,
-                  "INSERT INTO " + table +
-                      " SELECT i, i % 5000, 'client ' || i, 'city ' || (i % 300), (i % 100000) / 100.0, i / 7.0, DATE "
-                      "'2001-01-01' + (i % 7000), CASE WHEN i % 3 <> 0 THEN 'note ' || i END FROM generate_series(1, " +
-                      std::to_string(rows) + ") AS i",
-                  "CREATE INDEX ON " + table + " (name)", "VACUUM ANALYZE " + table}) {
-                PGresult* result = PQexec(opened, sql.c_str());
-                if (PQresultStatus(result) != PGRES_COMMAND_OK) Fail(PQerrorMessage(opened));
-                PQclear(result);
-            }
-        }
-        return opened;
-    }();
+    static PGconn* connection = PQconnectdb(
+        ("host=" + Cluster().Host() + " dbname=" + Cluster().Database() + " user=" + Cluster().User()).c_str());
     return connection;
+}
+
+void RunServer(const std::string& sql) {
+    PGresult* result = PQexec(Server(), sql.c_str());
+    if (PQresultStatus(result) != PGRES_COMMAND_OK) Fail(PQerrorMessage(Server()));
+    PQclear(result);
+}
+
+enum class Engine { Embedded, Server };
+
+// Makes a table when it is first asked for.
+void NeedTable(Engine engine, int64_t rows) {
+    static std::set<std::pair<Engine, int64_t>> made;
+    if (!made.insert({engine, rows}).second) return;
+    const std::string table = TableOf(rows), count = std::to_string(rows);
+    if (engine == Engine::Embedded) {
+        RunEmbedded("BEGIN; CREATE TABLE " + table + kColumns +
+                    "; WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < " + count +
+                    ") INSERT INTO " + table +
+                    " SELECT i, i % 5000, 'client ' || i, 'city ' || (i % 300), (i % 100000) / 100.0, i / 7.0, "
+                    "date('2001-01-01', (i % 7000) || ' days'), CASE WHEN i % 3 THEN 'note ' || i END FROM n; "
+                    "CREATE INDEX name" +
+                    count + " ON " + table + " (name); COMMIT;");
+        return;
+    }
+    RunServer("CREATE UNLOGGED TABLE " + table + kColumns);
+    RunServer("INSERT INTO " + table +
+              " SELECT i, i % 5000, 'client ' || i, 'city ' || (i % 300), (i % 100000) / 100.0, i / 7.0, DATE "
+              "'2001-01-01' + (i % 7000), CASE WHEN i % 3 <> 0 THEN 'note ' || i END FROM generate_series(1, " +
+              count + ") AS i");
+    RunServer("CREATE INDEX ON " + table + " (name)");
+    RunServer("VACUUM ANALYZE " + table);
 }
 
 // What the engine itself takes to give rows, each value touched as text.
@@ -125,8 +136,6 @@ int64_t AskServer(const std::string& sql, const char* value = nullptr) {
     return sum;
 }
 
-enum class Engine { Embedded, Server };
-
 int64_t Ask(Engine engine, const std::string& sql, const std::string& value = {}) {
     std::string text = sql;
     const size_t mark = text.find("$1");
@@ -147,12 +156,11 @@ struct Screen {
     Screen(Engine engine, int64_t rows) {
         RegisterSqliteProvider();
         RegisterPostgresqlProvider();
+        NeedTable(engine, rows);
         if (engine == Engine::Embedded) {
-            Embedded();
             connection.SetConnectionString("Provider=SQLite;Data Source=" +
                                            std::string(sqlite3_db_filename(Embedded(), "main")));
         } else {
-            Server();
             connection.SetConnectionString(Cluster().ConnectionString());
         }
         connection.Open();
@@ -162,12 +170,15 @@ struct Screen {
         grid.SetBounds(0, 0, 1200, 600);
         grid.SetDataSource(&source);
     }
+    // As the grid's peer does it.
     size_t Show() {
         size_t letters = 0;
-        const int64_t top = grid.TopRecord(),
-                      end = std::min(query.Reach(top, grid.VisibleRows()), top + grid.VisibleRows());
+        const int64_t top = grid.TopRecord();
+        const int64_t end = std::min(query.Reach(top, grid.VisibleRows()), top + grid.VisibleRows());
+        std::vector<const TField*> fields;
+        for (const TColumn* column : grid.ShownColumns()) fields.push_back(column->Field());
         for (int64_t record = top; record < end; ++record)
-            for (const TColumn* column : grid.ShownColumns()) letters += grid.CellText(record, *column).size();
+            for (const TField* field : fields) letters += field->DisplayTextOf(record).size();
         return letters;
     }
     std::string Rows() const { return std::to_string(grid.VisibleRows()); }

@@ -311,11 +311,25 @@ Currency TField::AsCurrency() const { return IsNull() ? Currency() : Value().AsC
 bool TField::AsBoolean() const { return !IsNull() && Value().AsBoolean(); }
 
 AnsiString TField::FormattedText(int64_t row, bool display) const {
-    // Texts as they are kept, by the shortest way.
-    const bool plain = (dataType_ == ftString || dataType_ == ftFixedChar || dataType_ == ftWideString) &&
-                       kind_ == fkData && column_ >= 0 && editMask_.empty() && row < dataSet_->Rows().Count() &&
-                       !dataSet_->EditedCell(row, column_);
-    if (plain) return Utf8ToAnsiLossy(dataSet_->Rows().Bytes(row, column_));
+    if (const RowStore& rows = dataSet_->Rows(); kind_ == fkData && column_ >= 0 && editMask_.empty() &&
+                                                 row < rows.Count() && !dataSet_->EditedCell(row, column_)) {
+        // Mostly what is kept is what is shown.
+        switch (dataType_) {
+            case ftString:
+            case ftFixedChar:
+            case ftWideString:
+                return Utf8ToAnsiLossy(rows.Bytes(row, column_));
+            case ftSmallint:
+            case ftInteger:
+            case ftWord:
+            case ftAutoInc:
+            case ftLargeint:
+                if (!displayFormat_.empty() || !editFormat_.empty() || currency_) break;
+                return rows.IsNull(row, column_) ? AnsiString() : IntToStr(rows.Integer(row, column_));
+            default:
+                break;
+        }
+    }
     const Variant value = ValueInRow(row);
     if (value.IsNull()) return {};
     const AnsiString& format = !display && !editFormat_.empty() ? editFormat_ : displayFormat_;

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "platform/data/row_pages.h"
 
 namespace vyn {
@@ -12,6 +14,22 @@ std::string RowKeys::KeyAt(const RowStore& rows, int64_t row) const {
         key += std::to_string(part.size()) + ":" + part;
     }
     return key;
+}
+
+bool RowKeys::Same(const RowStore& rows, int64_t a, int64_t b) const {
+    return std::all_of(columns_.begin(), columns_.end(), [&](size_t each) {
+        const int column = static_cast<int>(each);
+        switch (rows.Columns()[each]) {
+            case ColumnKind::Integer:
+                return rows.Integer(a, column) == rows.Integer(b, column) &&
+                       rows.IsNull(a, column) == rows.IsNull(b, column);
+            case ColumnKind::Real:
+            case ColumnKind::Text:
+            case ColumnKind::Bytes:
+                break;
+        }
+        return rows.CellAt(a, column) == rows.CellAt(b, column);
+    });
 }
 
 int64_t RowKeys::IdentityOf(const RowStore& rows, int64_t row) {

@@ -57,6 +57,7 @@ class RowKeys {
     explicit RowKeys(std::vector<size_t> columns) : columns_(std::move(columns)) {}
     // Bytes that no row with another key has.
     std::string KeyAt(const RowStore& rows, int64_t row) const;
+    bool Same(const RowStore& rows, int64_t a, int64_t b) const;
     int64_t IdentityOf(const RowStore& rows, int64_t row);
     // Whether there is one of the number, and its row was not taken for gone.
     bool Valid(int64_t identity) const;

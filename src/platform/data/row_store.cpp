@@ -132,10 +132,13 @@ bool RowStore::IsNull(int64_t row, int column) const {
 }
 
 const unsigned char* RowStore::ValueAt(int64_t row, int column) const {
-    if (IsNull(row, column)) return nullptr;
-    const unsigned char* at = rows_[static_cast<size_t>(row)] + bitmapBytes_;
-    for (int i = 0; i < column; ++i) {
-        if (IsNull(row, i)) continue;
+    const unsigned char* const begin = rows_[static_cast<size_t>(row)];
+    const auto isNull = [begin](int i) { return (begin[i / 8] & (1u << (i % 8))) != 0; };
+    if (isNull(column)) return nullptr;
+    const bool goesOn = last_.row == begin && last_.column <= column;
+    const unsigned char* at = goesOn ? last_.at : begin + bitmapBytes_;
+    for (int i = goesOn ? last_.column : 0; i < column; ++i) {
+        if (isNull(i)) continue;
         switch (columns_[static_cast<size_t>(i)]) {
             case ColumnKind::Integer:
                 row_store_detail::TakeVariable(at);
@@ -151,6 +154,7 @@ const unsigned char* RowStore::ValueAt(int64_t row, int column) const {
             }
         }
     }
+    last_ = {begin, column, at};
     return at;
 }
 
@@ -177,6 +181,7 @@ std::string_view RowStore::Bytes(int64_t row, int column) const {
 
 void RowStore::Truncate(int64_t count) {
     if (count >= Count()) return;
+    last_ = {};
     const auto* kept = rows_[static_cast<size_t>(count)];
     rows_.resize(static_cast<size_t>(count));
     if (numbered_) identities_.resize(static_cast<size_t>(count));
@@ -186,6 +191,7 @@ void RowStore::Truncate(int64_t count) {
 }
 
 void RowStore::Clear() {
+    last_ = {};
     rows_.clear();
     identities_.clear();
     numbered_ = false;

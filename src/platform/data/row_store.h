@@ -81,6 +81,7 @@ class RowStore {
     const std::vector<ColumnKind>& Columns() const { return columns_; }
 
   private:
+    // Where a value begins; null for a null.
     const unsigned char* ValueAt(int64_t row, int column) const;
     const unsigned char* Keep();
     // For the row being put, in a block that has so many bytes more.
@@ -115,6 +116,13 @@ class RowStore {
     bool numbered_ = false;
     int64_t nextIdentity_ = 0;
     int column_ = 0;
+    // Where the value that was looked for last begins: rows are mostly read from left to right.
+    struct Place {
+        const unsigned char* row = nullptr;
+        int column = 0;
+        const unsigned char* at = nullptr;
+    };
+    mutable Place last_;
 };
 
 }  // namespace vyn

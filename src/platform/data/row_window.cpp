@@ -43,10 +43,9 @@ void RowWindow::LetCurrentGo(int64_t from, int64_t to) {
 // The current record may be among these of the view.
 void RowWindow::FindCurrent(int64_t from, int64_t to) {
     if (heldRow_ < 0) return;
-    const std::string key = KeyAt(heldRow_);
     for (int64_t i = from; i < to; ++i) {
         int64_t& row = view_[static_cast<size_t>(i)];
-        if (KeyAt(row) != key) continue;
+        if (!keys_.Same(rows_, row, heldRow_)) continue;
         // The row that is held may have been written, or be in editing.
         row = heldRow_;
         heldRow_ = -1;
@@ -172,7 +171,9 @@ void RowWindow::Jump(int64_t record, int64_t count) {
 
 int64_t RowWindow::Reach(int64_t record, int64_t count) {
     record = std::max<int64_t>(record, 0);
-    if (count > 1) screen_ = std::clamp(count, kLeastScreen, kLargestScreen);
+    // A row more or less is the same screen.
+    if (count > screen_ || (count > 1 && count < screen_ - kLeastScreen))
+        screen_ = std::clamp(count, kLeastScreen, kLargestScreen);
     const bool far = record >= End() + kFar || record + count <= base_ - kFar;
     if (far && !(record >= End() && atEnd_) && !(record < base_ && atStart_)) Jump(record, count);
     while (record + count > End() && !atEnd_) ExtendDown(record + count - End());
