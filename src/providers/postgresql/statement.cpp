@@ -180,6 +180,7 @@ class PostgresqlStatement final : public ProviderStatement {
                                              given.Lengths(), given.Formats(), kTextFormat);
                 });
             if (prepared_.empty()) {
+                binaryKnown_ = false;
                 const std::string name = connection_.NewName();
                 Result made = connection_.Exchange([&](PGconn* handle) {
                     return PQsendPrepare(handle, name.c_str(), sql.c_str(), given.Count(), given.TypeNumbers());
@@ -190,12 +191,16 @@ class PostgresqlStatement final : public ProviderStatement {
             }
             return connection_.Exchange([&](PGconn* handle) {
                 return PQsendQueryPrepared(handle, prepared_.c_str(), given.Count(), given.Values(), given.Lengths(),
-                                           given.Formats(), kTextFormat);
+                                           given.Formats(), binaryKnown_ ? kBinaryFormat : kTextFormat);
             });
         });
         started_ = true;
         wholeAt_ = 0;
-        binary_ = false;
+        const int columns = PQnfields(whole_.get());
+        binary_ = columns > 0 && PQfformat(whole_.get(), 0) == kBinaryFormat;
+        // What is run again comes in the server's own form, where that is known.
+        binaryKnown_ = true;
+        for (int i = 0; i < columns; ++i) binaryKnown_ = binaryKnown_ && IsBinaryKnown(PQftype(whole_.get(), i));
     }
 
     void Describe(const PGresult* result) {
@@ -311,6 +316,7 @@ class PostgresqlStatement final : public ProviderStatement {
     Result whole_;
     int wholeAt_ = 0;
     std::string prepared_;
+    bool binaryKnown_ = false;  // of the columns that the last run gave
     int preparedGeneration_ = 0;
 };
 
