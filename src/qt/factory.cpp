@@ -90,6 +90,7 @@ PeerFactory& StandardPeerFactory() {
         RegisterGridPeers();
         RegisterDataControlPeers();
         RegisterLookupPeers();
+        RegisterCtrlGridPeers();
         return true;
     }();
     static_cast<void>(registered);

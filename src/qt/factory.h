@@ -41,5 +41,6 @@ void RegisterTreePeers();
 void RegisterGridPeers();
 void RegisterDataControlPeers();
 void RegisterLookupPeers();
+void RegisterCtrlGridPeers();
 
 }  // namespace vyn::qt

@@ -5,6 +5,7 @@
 #include "platform/controls/db_cell_editor.h"
 #include "platform/controls/db_choices.h"
 #include "platform/controls/db_controls.h"
+#include "platform/controls/db_ctrl_grid.h"
 #include "platform/controls/db_lookups.h"
 #include "platform/controls/db_navigators.h"
 #include "platform/controls/enum_names.h"
@@ -580,7 +581,7 @@ void RegisterDataControlClasses() {
          {&TDBGrid::StaticClass(), &TDBNavigator::StaticClass(), &TDBText::StaticClass(), &TDBEdit::StaticClass(),
           &TDBMemo::StaticClass(), &TDBImage::StaticClass(), &TDBListBox::StaticClass(), &TDBComboBox::StaticClass(),
           &TDBCheckBox::StaticClass(), &TDBRadioGroup::StaticClass(), &TDBLookupListBox::StaticClass(),
-          &TDBLookupComboBox::StaticClass()})
+          &TDBLookupComboBox::StaticClass(), &TDBCtrlGrid::StaticClass()})
         AddLinkedClass(each);
 }
 

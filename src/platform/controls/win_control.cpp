@@ -473,11 +473,15 @@ bool TWinControl::ProcessKeyDown(uint16_t& key, TShiftState shift) {
     KeyDown(key, shift);
     if (key == 0) return true;
     if (ComponentFromHandle(alive) != this) return true;
-    if (form && !WantsKey(key, shift) && form->ProcessDialogKey(key, shift, this)) {
-        key = 0;
-        return true;
-    }
-    return false;
+    if (!form || WantsKey(key, shift)) return false;
+    for (TWinControl* at = Parent(); at && at != form; at = at->Parent())
+        if (at->ChildKey(*this, key, shift)) {
+            key = 0;
+            return true;
+        }
+    if (!form->ProcessDialogKey(key, shift, this)) return false;
+    key = 0;
+    return true;
 }
 
 bool TWinControl::ProcessKeyPress(char& key) {

@@ -80,6 +80,9 @@ class TWinControl : public TControl {
     virtual void DoExit();
     // The control itself uses this key, so that it is not Tab, an arrow between controls, Enter or Escape of the form.
     virtual bool WantsKey(uint16_t key, TShiftState shift) const { return false; }
+    // A key that a control inside had no use for, offered to its parents, the nearest first, before it is the form's;
+    // true when it was taken.
+    virtual bool ChildKey(TWinControl& child, uint16_t key, TShiftState shift) { return false; }
     // A key of the dialog (Enter, Escape) is offered to each control; true when it took it.
     virtual bool DialogKey(uint16_t key, TShiftState shift);
     bool DialogChar(char key) override;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/data/data_set.h"
+#include "platform/data/data_set_focus.h"
 #include "platform/text/compare.h"
 #include "platform/text/exceptions.h"
 
@@ -65,6 +66,14 @@ void TDataSource::SetEnabled(bool value) {
 
 void TDataSource::Edit() {
     if (AutoEdit && State() == dsBrowse) dataSet_->Edit();
+}
+
+void TDataSource::ShowRecord(int64_t record, const std::function<void()>& within) {
+    if (State() == dsInactive) return;
+    const TDataSet::RowInFocus focus(*dataSet_, dataSet_->RowOf(record));
+    for (size_t i = links_.size(); i-- > 0;)
+        if (i < links_.size()) links_[i]->Changed(DataEvent::RecordChanged, nullptr);
+    within();
 }
 
 void TDataSource::Notification(TComponent* component, TOperation operation) {

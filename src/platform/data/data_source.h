@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <vector>
 
 #include "platform/data/fields.h"
@@ -42,6 +43,9 @@ class TDataSource : public TComponent {
     TDataSetState State() const;
     // Puts the dataset into the edit state when AutoEdit allows it.
     void Edit();
+    // Has the links show a record that is at hand as if it were the current one, and runs `within` while fields give
+    // its values; for copies of controls that show several records. Nothing moves, and no event is fired.
+    void ShowRecord(int64_t record, const std::function<void()>& within);
     // Whether the dataset, or a master of it, is this one.
     bool IsLinkedTo(const TDataSet* dataSet) const;
 
