@@ -7,12 +7,14 @@
 
 #include "faults/failing_disk.h"
 #include "platform/text/format_settings.h"
+#include "providers/odbc/connection.h"
 #include "providers/sqlite/connection.h"
 
 namespace faults {
 
 EmbeddedFile::EmbeddedFile() {
     RegisterSqliteProvider();
+    RegisterOdbcProvider();
     FormatSettings() = InvariantFormatSettings();
     std::string name = testing::TempDir() + "vyn-faults-XXXXXX";
     folder_ = mkdtemp(name.data());
@@ -29,6 +31,8 @@ EmbeddedFile::~EmbeddedFile() {
 AnsiString EmbeddedFile::Where(int busyMilliseconds) const {
     return "Provider=SQLite;Data Source=" + file_ + ";Busy Timeout=" + std::to_string(busyMilliseconds);
 }
+
+AnsiString EmbeddedFile::ThroughDriver() const { return "Provider=MSDASQL;Driver=SQLite3;Timeout=1;Database=" + file_; }
 
 void EmbeddedFile::Make(int records) {
     for (const char* tail : {"", "-wal", "-shm"}) std::filesystem::remove(file_ + tail);

@@ -12,6 +12,8 @@ class EmbeddedFile : public testing::Test {
 
     // A connection string that waits for others only so long.
     AnsiString Where(int busyMilliseconds = 0) const;
+    // The same through a driver of ODBC's.
+    AnsiString ThroughDriver() const;
     // A fresh file with that many clients.
     void Make(int records = 3);
     // What the engine finds when it looks at the file past all that the test does to it: "ok", or what is wrong; and

@@ -102,6 +102,28 @@ TEST_F(EmbeddedFile, AFileThatAnotherProgramChangesIsReportedAndCanBeWrittenAfte
     EXPECT_EQ(Stored("SELECT nom FROM clients WHERE id = 2"), "theirs");
 }
 
+TEST_F(EmbeddedFile, AFileThatAnotherProgramChangesIsReportedThroughADriverToo) {
+    Make();
+    Another other([&](const auto& soFar) {
+        TADOConnection connection(nullptr);
+        connection.SetConnectionString(Where());
+        connection.BeginTrans();
+        connection.Execute("UPDATE clients SET nom = 'theirs' WHERE id = 2");
+        soFar();
+        connection.CommitTrans();
+    });
+    User user(ThroughDriver());
+    EXPECT_EQ(user.table.RecordCount(), 3);
+    user.Type("typed");
+    EXPECT_TRUE(Says(user.Post(), "another program is using the database and has not finished. Try again"));
+    user.ExpectTyped("typed");
+    EXPECT_FALSE(user.connection.InTransaction());
+    other.GoOnToTheEnd();
+    EXPECT_EQ(user.Post(), "no error");
+    EXPECT_EQ(Stored("SELECT nota FROM clients WHERE id = 1"), "typed");
+    EXPECT_EQ(Stored("SELECT nom FROM clients WHERE id = 2"), "theirs");
+}
+
 TEST_F(EmbeddedFile, AFileThatAnotherProgramHoldsWholeIsReported) {
     Make();
     Another other([&](const auto& soFar) {

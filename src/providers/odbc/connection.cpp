@@ -77,7 +77,7 @@ void Check(SQLRETURN result, SQLSMALLINT kind, SQLHANDLE handle, const AnsiStrin
     constexpr SQLSMALLINT kStateLength = 5;
     const AnsiString code = AnsiOf(state, kStateLength);
     const AnsiString reason = WithoutMakers(AnsiOf(text, std::min<SQLSMALLINT>(length, SQL_MAX_MESSAGE_LENGTH - 1)));
-    throw EOdbcError(FaultMessage(what, FaultOf(code, native, numbers), reason), code);
+    throw EOdbcError(FaultMessage(what, FaultOf(code, native, numbers), reason), code, native);
 }
 
 void Link::Cut() {
@@ -212,6 +212,30 @@ std::chrono::milliseconds OdbcConnection::Allowed() const {
     return commandTimeout_ > 0 ? std::chrono::seconds(commandTimeout_) + kPatience : std::chrono::milliseconds(0);
 }
 
+// The embedded engine's numbers for what ends a transaction as a whole: memory, interruption, the disk, its room.
+bool MayTakeBackAll(SQLINTEGER number) { return number == 7 || number == 9 || number == 10 || number == 13; }
+
+void OdbcConnection::TakeBack() {
+    SQLHANDLE database = link_->Database.Get();
+    const auto run = [&](const char* sql) {
+        const StatementHandle statement = NewStatement();
+        std::u16string wide = WideOf(sql);
+        SQLExecDirectW(statement.Get(), Wide(wide), static_cast<SQLINTEGER>(wide.size()));
+    };
+    if (bySql_) {
+        // It may be gone already.
+        run("ROLLBACK");
+    } else {
+        // The driver counts transactions by itself, and needs one to take back; the engine refuses another where there
+        // is one still.
+        run("BEGIN");
+        SQLEndTran(SQL_HANDLE_DBC, database, SQL_ROLLBACK);
+        SQLSetConnectAttr(database, SQL_ATTR_AUTOCOMMIT, reinterpret_cast<SQLPOINTER>(SQL_AUTOCOMMIT_ON), 0);
+    }
+    depth_ = 0;
+    bySql_ = false;
+}
+
 SQLRETURN OdbcConnection::CallOn(SQLSMALLINT kind, SQLHANDLE handle, const std::function<SQLRETURN()>& call,
                                  const AnsiString& what) {
     SQLRETURN result = SQL_SUCCESS;
@@ -226,6 +250,10 @@ SQLRETURN OdbcConnection::CallOn(SQLSMALLINT kind, SQLHANDLE handle, const std::
         const AnsiString group = error.State.substr(0, 2);
         const bool ended = error.State == "57P01" || error.State == "57P02" || error.State == "57P03";
         if (group == "08" || ended || IsBroken()) Lost();
+        if (depth_ > 0 && engine_.ErrorNumbers == Numbers::Sqlite && MayTakeBackAll(error.Number)) {
+            TakeBack();
+            throw EDatabaseError(error.Message() + kTransactionGone);
+        }
         throw;
     }
     return result;

@@ -59,8 +59,10 @@ AnsiString AnsiOf(const SQLWCHAR* text, SQLSMALLINT length);
 // An error with the state that drivers give it.
 class EOdbcError : public EDatabaseError {
   public:
-    EOdbcError(AnsiString message, AnsiString state) : EDatabaseError(std::move(message)), State(std::move(state)) {}
+    EOdbcError(AnsiString message, AnsiString state, SQLINTEGER number = 0)
+        : EDatabaseError(std::move(message)), State(std::move(state)), Number(number) {}
     AnsiString State;
+    SQLINTEGER Number;  // the engine's own
 };
 
 // Raises EOdbcError with the driver's reason unless the call went well. Engines in the process have error numbers.
@@ -183,6 +185,8 @@ class OdbcConnection final : public ProviderConnection {
     void Connect();
     void Forget();
     [[noreturn]] void Lost();
+    // Takes the transaction back where the engine may have done so by itself: what follows would be half of it.
+    void TakeBack();
     bool IsBroken() const;
     SQLRETURN CallOn(SQLSMALLINT kind, SQLHANDLE handle, const std::function<SQLRETURN()>& call,
                      const AnsiString& what);

@@ -159,7 +159,7 @@ Result PostgresqlConnection::Command(const std::string& sql, const char* what) {
 
 Result PostgresqlConnection::Protected(const std::function<Result()>& action, const char* what) {
     // A statement by itself is a transaction of its own; so is the only cursor's.
-    const bool protect = depth_ > 0 || (implicit_ && cursors_ > 1);
+    const bool protect = Protects();
     if (protect) Command(std::string("SAVEPOINT ") + kProtection, what);
     Result result;
     try {

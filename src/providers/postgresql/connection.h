@@ -66,7 +66,7 @@ bool IsBinaryKnown(Oid type);
 // By the server's type and its modifier.
 TFieldType FieldTypeOf(Oid type, int modifier, int& size, int& precision);
 // Puts a value of a result into the row being built.
-void PutValue(RowStore& rows, const PGresult* result, int row, int column, TFieldType type, bool binary);
+void PutValue(RowStore& rows, const PGresult* result, int row, int column, Oid held, TFieldType type, bool binary);
 
 class PostgresqlConnection final : public ProviderConnection {
   public:
@@ -96,8 +96,10 @@ class PostgresqlConnection final : public ProviderConnection {
     // given up.
     Result Exchange(const std::function<int(PGconn*)>& send);
     Result Exchange(const std::string& sql);
-    // The next result of what was sent, or none at its end.
-    Result NextResult();
+    // The whole answer to what was sent: its last result.
+    Result Answer();
+    // Whether what fails is taken back by itself, in a transaction that others need.
+    bool Protects() const { return depth_ > 0 || (implicit_ && cursors_ > 1); }
     // Keeps in mind that something is being stored for good: without an answer nobody knows whether it was.
     class Storing {
       public:
@@ -146,6 +148,8 @@ class PostgresqlConnection final : public ProviderConnection {
     void Reconnect();
     void Forget();
     [[noreturn]] void Lost();
+    // The next result of what was sent, or none at its end.
+    Result NextResult();
     void Await();
     bool AskToBreakOff();
     void GiveUp();

@@ -9,7 +9,10 @@
 
 namespace vyn::postgresql_provider {
 
+// Rows that are fetched at once: few enough that the processor's caches hold them, and the server's memory does too.
 constexpr int64_t kLargestPart = 10000;
+constexpr int64_t kFirstPart = 512;
+constexpr int64_t kPartBytes = 1 << 20;
 constexpr char kStatementFailed[] = "The statement failed";
 // What the server calls its errors (SQLSTATE).
 constexpr char kUndefinedTable[] = "42P01", kUndefinedColumn[] = "42703", kUnknownType[] = "42P18",
@@ -226,14 +229,21 @@ class PostgresqlStatement final : public ProviderStatement {
         }
     }
 
+    // Before rows of a result are put.
+    void TakeTypes(const PGresult* result) {
+        held_.resize(columns_.size());
+        for (size_t i = 0; i < held_.size(); ++i) held_[i] = PQftype(result, static_cast<int>(i));
+    }
+
     void PutRow(RowStore& rows, const PGresult* result, int row) const {
         rows.BeginRow();
         for (size_t i = 0; i < columns_.size(); ++i)
-            PutValue(rows, result, row, static_cast<int>(i), columns_[i].DataType, binary_);
+            PutValue(rows, result, row, static_cast<int>(i), held_[i], columns_[i].DataType, binary_);
         rows.EndRow();
     }
 
     bool FetchFromWhole(RowStore& rows, int64_t count) {
+        TakeTypes(whole_.get());
         for (; count > 0 && wholeAt_ < PQntuples(whole_.get()); --count) PutRow(rows, whole_.get(), wholeAt_++);
         if (wholeAt_ < PQntuples(whole_.get())) return true;
         done_ = true;
@@ -241,57 +251,52 @@ class PostgresqlStatement final : public ProviderStatement {
         return false;
     }
 
-    // In parts that the server holds in memory while it sends them.
+    // In parts, the next of which the server makes while one is taken apart here.
     bool FetchFromCursor(RowStore& rows, int64_t count) {
-        for (; count > kLargestPart; count -= kLargestPart)
-            if (!FetchPart(rows, kLargestPart)) return false;
-        return FetchPart(rows, count);
-    }
-
-    bool FetchPart(RowStore& rows, int64_t count) {
-        const std::string fetch = "FETCH " + std::to_string(count) + " FROM " + cursor_;
-        int64_t got = 0;
-        std::exception_ptr raised;
+        // What has to be taken back by itself goes one by one.
+        const bool ahead = !connection_.Protects();
+        int64_t part = PartOf(count);
         try {
-            connection_.Protected([&] { return Stream(rows, fetch, got, raised); }, kStatementFailed);
+            if (ahead) Ask(part);
+            for (;;) {
+                const Result result = connection_.Protected(
+                    [&] {
+                        if (!ahead) Ask(part);
+                        return connection_.Answer();
+                    },
+                    kStatementFailed);
+                const int got = PQntuples(result.get());
+                if (got > 0) bytesARow_ = static_cast<int64_t>(PQresultMemorySize(result.get())) / got + 1;
+                count -= part;
+                const bool ends = got < part, more = !ends && count > 0;
+                part = PartOf(count);
+                if (more && ahead) Ask(part);
+                TakeTypes(result.get());
+                for (int row = 0; row < got; ++row) PutRow(rows, result.get(), row);
+                if (more) continue;
+                if (!ends) return true;
+                done_ = true;
+                CloseCursor();
+                return false;
+            }
         } catch (...) {
             done_ = true;
+            // What is on its way has to be taken all the same.
+            if (generation_ == connection_.Generation()) connection_.Answer();
             throw;
         }
-        if (raised) std::rethrow_exception(raised);
-        if (got == count) return true;
-        done_ = true;
-        CloseCursor();
-        return false;
     }
 
-    // Gives the last result, or the one that failed.
-    Result Stream(RowStore& rows, const std::string& fetch, int64_t& got, std::exception_ptr& raised) const {
-        PGconn* handle = connection_.Handle();
-        if (!PQsendQueryParams(handle, fetch.c_str(), 0, nullptr, nullptr, nullptr, nullptr,
-                               binary_ ? kBinaryFormat : kTextFormat)) {
-            // What was wrong with sending is known when its answer was asked for.
-            while (connection_.NextResult()) {
-            }
-            return {};
-        }
-        PQsetSingleRowMode(handle);
-        Result last;
-        while (Result result = connection_.NextResult()) {
-            if (PQresultStatus(result.get()) != PGRES_SINGLE_TUPLE) {
-                last = std::move(result);
-                continue;
-            }
-            ++got;
-            if (raised) continue;
-            try {
-                PutRow(rows, result.get(), 0);
-            } catch (...) {
-                // What is on its way has to be taken all the same.
-                raised = std::current_exception();
-            }
-        }
-        return last;
+    // How many rows are asked for at once, of those that are wanted.
+    int64_t PartOf(int64_t wanted) const {
+        const int64_t fits = bytesARow_ == 0 ? kFirstPart : kPartBytes / bytesARow_;
+        return std::min(wanted, std::clamp<int64_t>(fits, 1, kLargestPart));
+    }
+
+    void Ask(int64_t count) const {
+        const std::string fetch = "FETCH " + std::to_string(count) + " FROM " + cursor_;
+        PQsendQueryParams(connection_.Handle(), fetch.c_str(), 0, nullptr, nullptr, nullptr, nullptr,
+                          binary_ ? kBinaryFormat : kTextFormat);
     }
 
     static constexpr int kNotReading = -1;
@@ -304,12 +309,14 @@ class PostgresqlStatement final : public ProviderStatement {
     std::vector<ProviderValue> bound_;
     Arguments::Types types_ = Arguments::Types::Inferred;
     std::vector<FieldDefinition> columns_;
+    std::vector<Oid> held_;
     bool columnsKnown_ = false;
     bool started_ = false;
     bool done_ = false;
     bool binary_ = false;
     int generation_ = 0;
     int runs_ = 0;
+    int64_t bytesARow_ = 0;  // of results, when there were some
     // A cursor, or the whole result.
     std::string cursor_;
     int reading_ = kNotReading;

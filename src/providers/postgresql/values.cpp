@@ -397,17 +397,17 @@ void PutText(RowStore& rows, std::string_view text, Oid type, TFieldType fieldTy
     }
 }
 
-void PutValue(RowStore& rows, const PGresult* result, int row, int column, TFieldType type, bool binary) {
-    if (PQgetisnull(result, row, column)) {
+void PutValue(RowStore& rows, const PGresult* result, int row, int column, Oid held, TFieldType type, bool binary) {
+    const int length = PQgetlength(result, row, column);
+    if (length == 0 && PQgetisnull(result, row, column)) {
         rows.PutNull();
         return;
     }
     const char* bytes = PQgetvalue(result, row, column);
-    const int length = PQgetlength(result, row, column);
     if (binary)
-        PutBinary(rows, bytes, length, PQftype(result, column), type);
+        PutBinary(rows, bytes, length, held, type);
     else
-        PutText(rows, {bytes, static_cast<size_t>(length)}, PQftype(result, column), type);
+        PutText(rows, {bytes, static_cast<size_t>(length)}, held, type);
 }
 
 }  // namespace vyn::postgresql_provider

@@ -85,9 +85,8 @@ Result PostgresqlConnection::NextResult() {
     return Result(PQgetResult(handle_.get()));
 }
 
-Result PostgresqlConnection::Exchange(const std::function<int(PGconn*)>& send) {
+Result PostgresqlConnection::Answer() {
     Result last;
-    const bool sent = send(handle_.get()) == 1;
     while (Result result = NextResult()) {
         const ExecStatusType status = PQresultStatus(result.get());
         // Nobody here has data to send, or takes them in that way.
@@ -96,6 +95,13 @@ Result PostgresqlConnection::Exchange(const std::function<int(PGconn*)>& send) {
         if (status == PGRES_COPY_BOTH) GiveUp();
         last = std::move(result);
     }
+    return last;
+}
+
+Result PostgresqlConnection::Exchange(const std::function<int(PGconn*)>& send) {
+    const bool sent = send(handle_.get()) == 1;
+    Result last = Answer();
+    // What was wrong with sending is known when its answer was asked for.
     return sent ? std::move(last) : Result();
 }
 
