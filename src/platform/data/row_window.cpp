@@ -177,7 +177,9 @@ int64_t RowWindow::Reach(int64_t record, int64_t count) {
     const bool far = record >= End() + kFar || record + count <= base_ - kFar;
     if (far && !(record >= End() && atEnd_) && !(record < base_ && atStart_)) Jump(record, count);
     while (record + count > End() && !atEnd_) ExtendDown(record + count - End());
-    while (record < base_ && !atStart_) ExtendUp(base_ - record);
+    while (record < base_ && !atStart_ && base_ > 0) ExtendUp(base_ - record);
+    // At the end, what stands before it.
+    if (atEnd_ && !atStart_ && End() - count < base_) ExtendUp(base_ - (End() - count));
     Trim(record);
     return End();
 }
