@@ -56,6 +56,8 @@ class ProviderConnection {
     virtual std::vector<AnsiString> ProcedureNames() = 0;
     // Whether there is a table, and no view, of this name.
     virtual bool IsTable(const AnsiString& name) = 0;
+    // Whether the tables that columns are said to come from are never views.
+    virtual bool OriginsAreTables() const { return false; }
     // The columns of a table's primary key, and of one of its indexes, in their order; empty when there is none.
     virtual std::vector<AnsiString> KeyColumns(const AnsiString& table) = 0;
     virtual std::vector<AnsiString> IndexColumns(const AnsiString& table, const AnsiString& index) = 0;

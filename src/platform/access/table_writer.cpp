@@ -63,7 +63,8 @@ AnsiString TableWriter::FindReason(const QueryShape& shape) {
     if (!AnsiSameText(shape.Source, table_))
         return (shape.Source.empty() ? AnsiString("This query reads another query") : shape.Source + " is no table") +
                kCannotBeChanged;
-    if (!connection_.IsTable(table_)) return table_ + " is no table" + kCannotBeChanged;
+    if (!connection_.OriginsAreTables() && !connection_.IsTable(table_))
+        return table_ + " is no table" + kCannotBeChanged;
     const std::vector<AnsiString> keys = connection_.KeyColumns(table_);
     if (keys.empty()) return "The table " + table_ + " has no primary key" + kCannotBeChanged;
     for (const AnsiString& key : keys) {

@@ -75,7 +75,7 @@ class RowWindow {
     static constexpr int64_t kMoreMatches = 8;
     // Rows read where somebody goes before it is known how many are looked at together, and the bounds of that. Each
     // further step in the same direction reads twice as many, up to so many.
-    static constexpr int64_t kScreen = 48;
+    static constexpr int64_t kScreen = 64;
     static constexpr int64_t kLeastScreen = 8;
     static constexpr int64_t kLargestScreen = 256;
     static constexpr int64_t kLargestStep = 1024;

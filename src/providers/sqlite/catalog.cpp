@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <map>
 
 #include "platform/text/compare.h"
 #include "platform/text/windows1252.h"
@@ -16,9 +17,10 @@ struct Finalize {
 // A question of the catalog; its parameters are texts in UTF-8.
 class Question {
   public:
-    Question(sqlite3* database, const char* sql, const std::vector<std::string>& texts) : database_(database) {
+    Question(sqlite3* database, const std::string& sql, const std::vector<std::string>& texts = {})
+        : database_(database) {
         sqlite3_stmt* prepared = nullptr;
-        if (sqlite3_prepare_v2(database, sql, -1, &prepared, nullptr) != SQLITE_OK)
+        if (sqlite3_prepare_v2(database, sql.c_str(), -1, &prepared, nullptr) != SQLITE_OK)
             Raise(database, "The catalog cannot be read");
         statement_.reset(prepared);
         for (size_t i = 0; i < texts.size(); ++i)
@@ -42,6 +44,17 @@ class Question {
     std::unique_ptr<sqlite3_stmt, Finalize> statement_;
 };
 
+// The question for a table's columns, and what its answer's columns are.
+std::string ColumnsOf(const std::string& table) {
+    std::string quoted;
+    for (const char c : table) {
+        quoted += c;
+        if (c == '\'') quoted += c;
+    }
+    return "PRAGMA table_xinfo('" + quoted + "')";
+}
+constexpr int kColumnName = 1, kColumnType = 2, kNotNull = 3, kDefault = 4, kPlaceInKey = 5, kHidden = 6;
+
 // A table's columns stand computed in it with these marks.
 constexpr int kVirtualColumn = 2;
 constexpr int kStoredColumn = 3;
@@ -50,22 +63,21 @@ constexpr int kStoredColumn = 3;
 
 std::vector<ColumnDescription> DescribeTable(sqlite3* database, const std::string& table) {
     using namespace catalog_detail;
-    Question question(database,
-                      "SELECT name, type, \"notnull\", dflt_value, pk, hidden FROM pragma_table_xinfo(?) ORDER BY cid",
-                      {table});
+    Question question(database, ColumnsOf(table));
     std::vector<ColumnDescription> columns;
     std::vector<size_t> keys;
     bool integerKey = false;
     while (question.Next()) {
         ColumnDescription column;
-        column.Name = question.Text(0);
-        column.InKey = question.Integer(4) > 0;
-        column.Automatic = !question.IsNull(3) && !SameText(question.Text(3), "NULL");
-        column.Computed = question.Integer(5) == kVirtualColumn || question.Integer(5) == kStoredColumn;
-        column.Required = question.Integer(2) != 0;
+        column.Name = question.Text(kColumnName);
+        column.InKey = question.Integer(kPlaceInKey) > 0;
+        column.Automatic = !question.IsNull(kDefault) && !SameText(question.Text(kDefault), "NULL");
+        const int hidden = question.Integer(kHidden);
+        column.Computed = hidden == kVirtualColumn || hidden == kStoredColumn;
+        column.Required = question.Integer(kNotNull) != 0;
         if (column.InKey) {
             keys.push_back(columns.size());
-            integerKey = SameText(question.Text(1), "INTEGER");
+            integerKey = SameText(question.Text(kColumnType), "INTEGER");
         }
         columns.push_back(std::move(column));
     }
@@ -106,11 +118,15 @@ bool IsTable(sqlite3* database, const AnsiString& name) {
 }
 
 std::vector<AnsiString> ListKeyColumns(sqlite3* database, const AnsiString& table) {
-    catalog_detail::Question question(database, "SELECT name FROM pragma_table_xinfo(?) WHERE pk > 0 ORDER BY pk",
-                                      {AnsiToUtf8(table)});
-    std::vector<AnsiString> names;
-    while (question.Next()) names.push_back(Utf8ToAnsiLossy(question.Text(0)));
-    return names;
+    using namespace catalog_detail;
+    Question question(database, ColumnsOf(AnsiToUtf8(table)));
+    std::map<int, AnsiString> names;
+    while (question.Next())
+        if (const int place = question.Integer(kPlaceInKey); place > 0)
+            names[place] = Utf8ToAnsiLossy(question.Text(kColumnName));
+    std::vector<AnsiString> ordered;
+    for (const auto& [place, name] : names) ordered.push_back(name);
+    return ordered;
 }
 
 int64_t LastRowNumber(sqlite3* database, const AnsiString& table) {

@@ -122,6 +122,7 @@ class SqliteConnection final : public ProviderConnection {
     std::vector<AnsiString> TableNames(SystemTables system) override { return ListTables(Database(), system); }
     // The engine has none.
     std::vector<AnsiString> ProcedureNames() override { return {}; }
+    bool OriginsAreTables() const override { return true; }
     int64_t EstimatedRows(const AnsiString& table) override { return LastRowNumber(Database(), table); }
     bool IsTable(const AnsiString& name) override { return vyn::sqlite_provider::IsTable(Database(), name); }
     std::vector<AnsiString> KeyColumns(const AnsiString& table) override { return ListKeyColumns(Database(), table); }
