@@ -82,6 +82,7 @@ class GridPeer : public PeerOf<TCustomDBGrid> {
     struct Shown {
         const TColumn* column;
         const TField* field;
+        int index;
         int left;
         int width;
         bool selected;
@@ -94,6 +95,7 @@ class GridPeer : public PeerOf<TCustomDBGrid> {
     std::vector<Shown> ColumnsInSight(const QRect& viewport) const;
     void PaintTitles(QPainter& painter, const QRect& viewport);
     void PaintRows(QPainter& painter, const QRect& viewport);
+    void PaintByHandlers(QPainter& painter, const std::vector<Shown>& columns, int64_t first, int64_t end);
     void PaintIndicator(QPainter& painter, const QRect& cell);
 
     std::optional<GlyphFont> glyphs_;

@@ -22,6 +22,30 @@ constexpr int kTextMargin = 4;
 constexpr int kGripWidth = 4;     // around a title's right edge: the mouse sizes the column there
 constexpr int kDragDistance = 6;  // beyond this a pressed title is being moved
 
+void DrawShapes(QPainter& painter, const std::vector<TCanvas::Shape>& shapes, const QPalette& palette) {
+    for (const TCanvas::Shape& shape : shapes) {
+        const QRect place = ToQRect(shape.Place);
+        const QColor color = ToQColor(shape.Color, palette);
+        switch (shape.What) {
+            case TCanvas::Shape::Kind::Fill:
+                painter.fillRect(place, color);
+                break;
+            case TCanvas::Shape::Kind::Text: {
+                const QRect inside = place.adjusted(kTextMargin, 0, -kTextMargin, 0);
+                painter.setFont(ToQFont(*shape.Font));
+                painter.setPen(color);
+                painter.drawText(inside, AlignmentFlags(shape.Alignment) | Qt::AlignVCenter,
+                                 painter.fontMetrics().elidedText(ToQt(shape.Text), Qt::ElideRight, inside.width()));
+                break;
+            }
+            case TCanvas::Shape::Kind::Line:
+                painter.setPen(QPen(color, shape.Width));
+                painter.drawLine(shape.Place.Left, shape.Place.Top, shape.Place.Right, shape.Place.Bottom);
+                break;
+        }
+    }
+}
+
 // A triangle at the title's right end; gives what is left for the text.
 QRect PaintSortMark(QPainter& painter, const QRect& inside, int direction) {
     constexpr int kHalf = 4;
@@ -86,8 +110,8 @@ std::vector<GridPeer::Shown> GridPeer::ColumnsInSight(const QRect& viewport) con
     for (size_t i = 0; i < columns.size() && left <= viewport.width(); ++i) {
         const int width = columns[i]->Width();
         if (left + width > 0)
-            shown.push_back(
-                {columns[i], columns[i]->Field(), left, width, static_cast<int>(i) == Self().SelectedIndex()});
+            shown.push_back({columns[i], columns[i]->Field(), static_cast<int>(i), left, width,
+                             static_cast<int>(i) == Self().SelectedIndex()});
         left += width;
     }
     return shown;
@@ -115,6 +139,8 @@ void GridPeer::PaintRows(QPainter& painter, const QRect& viewport) {
     const QColor highlight = palette.color(group, QPalette::Highlight);
     const int64_t current = grid.HighlightedRecord();
     if (!glyphs_) glyphs_.emplace(ToQFont(grid.EffectiveFont()));
+    const bool handlers = grid.DrawnByHandlers();
+    const bool texts = grid.DefaultDrawing || !handlers;
     GlyphBatch plain(*glyphs_);
     GlyphBatch highlighted(*glyphs_);
     for (int64_t record = first; record < end; ++record) {
@@ -124,7 +150,7 @@ void GridPeer::PaintRows(QPainter& painter, const QRect& viewport) {
         for (const Shown& each : columns) {
             const bool chosen = whole || (record == current && each.selected);
             if (chosen) painter.fillRect(each.left, y, each.width, rowHeight, highlight);
-            if (!each.field) continue;
+            if (!each.field || !texts) continue;
             (chosen ? highlighted : plain)
                 .Add(QRect(each.left + kTextMargin, y, each.width - 2 * kTextMargin, rowHeight),
                      Qt::Alignment(AlignmentFlags(each.column->Alignment())), each.field->DisplayTextOf(record));
@@ -132,6 +158,10 @@ void GridPeer::PaintRows(QPainter& painter, const QRect& viewport) {
     }
     plain.Draw(painter, palette.color(QPalette::Text));
     highlighted.Draw(painter, palette.color(group, QPalette::HighlightedText));
+    if (handlers) {
+        PaintByHandlers(painter, columns, first, end);
+        if (grid.DataSet() != &data) return;  // a handler closed it
+    }
 
     const QColor lines = palette.color(QPalette::Midlight);
     if (grid.Has(dgColLines))
@@ -145,6 +175,28 @@ void GridPeer::PaintRows(QPainter& painter, const QRect& viewport) {
     if (current >= first && current < end)
         PaintIndicator(painter,
                        QRect(0, top + static_cast<int>(current - first) * rowHeight, grid.IndicatorWidth(), rowHeight));
+}
+
+void GridPeer::PaintByHandlers(QPainter& painter, const std::vector<Shown>& columns, int64_t first, int64_t end) {
+    TCustomDBGrid& grid = Self();
+    const TDataSet* data = grid.DataSet();
+    const int rowHeight = std::max(grid.RowHeight(), 1);
+    for (int64_t record = first; record < end; ++record) {
+        const int y = grid.TitleHeight() + static_cast<int>(record - first) * rowHeight;
+        for (const Shown& each : columns) {
+            TGridDrawState state;
+            if (grid.HighlightedRecord() == record && (each.selected || grid.Has(dgRowSelect)))
+                state = {gdSelected, gdFocused};
+            if (grid.Has(dgMultiSelect) && grid.SelectedRows().Contains(record)) state.Include(gdSelected);
+            const TRect cell = Bounds(each.left, y, each.width, rowHeight);
+            grid.DrawCell(record, each.index, cell, state);
+            painter.save();
+            painter.setClipRect(ToQRect(cell));
+            DrawShapes(painter, grid.Canvas()->Shapes(), widget_->palette());
+            painter.restore();
+            if (grid.DataSet() != data) return;
+        }
+    }
 }
 
 void GridPeer::PaintIndicator(QPainter& painter, const QRect& cell) {

@@ -31,6 +31,7 @@ constexpr int kSunkenEdge = 2;
 VYN_ENUM_NAMES(TDBGridOption, "dgEditing", "dgAlwaysShowEditor", "dgTitles", "dgIndicator", "dgColumnResize",
                "dgColLines", "dgRowLines", "dgTabs", "dgRowSelect", "dgAlwaysShowSelection", "dgConfirmDelete",
                "dgCancelOnExit", "dgMultiSelect")
+VYN_ENUM_NAMES(TGridDrawFlag, "gdSelected", "gdFocused", "gdFixed")
 VYN_ENUM_NAMES(TColumnButtonStyle, "cbsAuto", "cbsEllipsis", "cbsNone")
 
 const ClassInfo& TColumnTitle::StaticClass() {
@@ -406,6 +407,27 @@ AnsiString TCustomDBGrid::CellText(int64_t record, const TColumn& column) {
     return field->DisplayTextOf(record);
 }
 
+void TCustomDBGrid::DrawCell(int64_t record, int column, const TRect& rect, TGridDrawState state) {
+    canvas_.Clear();
+    const auto& columns = ShownColumns();
+    if (!DataSource() || column < 0 || column >= static_cast<int>(columns.size())) return;
+    TColumn* shown = columns[static_cast<size_t>(column)];
+    const bool selected = state.Contains(gdSelected);
+    canvas_.Font()->Assign(&EffectiveFont());
+    if (selected) canvas_.Font()->SetColor(clHighlightText);
+    canvas_.Brush()->SetStyle(TBrushStyle::bsSolid);
+    canvas_.Brush()->SetColor(selected ? clHighlight : shown->Color());
+    DataSource()->WithRecord(record, [&] {
+        OnDrawDataCell(this, rect, shown->Field(), state);
+        OnDrawColumnCell(this, rect, column, shown, state);
+    });
+}
+
+void TCustomDBGrid::DefaultDrawColumnCell(const TRect& rect, int, TColumn* column, TGridDrawState) {
+    const TField* field = column ? column->Field() : nullptr;
+    canvas_.TextRect(rect, field ? field->DisplayText() : AnsiString(), column ? column->Alignment() : taLeftJustify);
+}
+
 void TCustomDBGrid::SetSelectedIndex(int value) {
     const int last = static_cast<int>(ShownColumns().size()) - 1;
     value = std::clamp(value, 0, std::max(last, 0));
@@ -562,6 +584,7 @@ const ClassInfo& TDBGrid::StaticClass() {
         made.Event("OnColExit", &TCustomDBGrid::OnColExit);
         made.Event("OnColumnMoved", &TCustomDBGrid::OnColumnMoved);
         made.Event("OnDrawColumnCell", &TCustomDBGrid::OnDrawColumnCell);
+        made.Event("OnDrawDataCell", &TCustomDBGrid::OnDrawDataCell);
         made.Event("OnEditButtonClick", &TCustomDBGrid::OnEditButtonClick);
         made.Event("OnTitleClick", &TCustomDBGrid::OnTitleClick);
         return made;
@@ -571,7 +594,8 @@ const ClassInfo& TDBGrid::StaticClass() {
         "Align Anchors BorderStyle Color Columns Constraints Ctl3D DataSource DefaultDrawing DragCursor DragKind "
         "DragMode Enabled FixedColor Font ImeMode ImeName Options ParentColor ParentCtl3D ParentFont "
         "ParentShowHint PopupMenu ReadOnly ShowHint TabOrder TabStop TitleFont Visible OnCellClick OnColEnter "
-        "OnColExit OnColumnMoved OnDrawColumnCell OnDblClick OnDragDrop OnDragOver OnEditButtonClick OnEndDrag "
+        "OnColExit OnColumnMoved OnDrawDataCell OnDrawColumnCell OnDblClick OnDragDrop OnDragOver OnEditButtonClick "
+        "OnEndDrag "
         "OnEnter OnExit OnKeyDown OnKeyPress OnKeyUp OnStartDrag OnTitleClick");
     return info;
 }

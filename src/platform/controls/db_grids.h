@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "platform/controls/canvas.h"
 #include "platform/controls/win_control.h"
 #include "platform/data/data_set.h"
 #include "platform/objects/collection.h"
@@ -148,6 +149,14 @@ class TBookmarkList {
 using TDBGridClickEvent = Event<void(TColumn* Column)>;
 using TMovedEvent = Event<void(TObject* Sender, int FromIndex, int ToIndex)>;
 
+enum class TGridDrawFlag { gdSelected, gdFocused, gdFixed };
+using enum TGridDrawFlag;
+const EnumType& TypeInfoOf(TypeTag<TGridDrawFlag>);
+using TGridDrawState = Set<TGridDrawFlag>;
+using TDrawColumnCellEvent =
+    Event<void(TObject* Sender, TRect Rect, int DataCol, TColumn* Column, TGridDrawState State)>;
+using TDrawDataCellEvent = Event<void(TObject* Sender, TRect Rect, TField* Field, TGridDrawState State)>;
+
 // Shows the records of a dataset in rows and its fields in columns.
 //
 // Rows are records by number; only those that are shown are asked for, and more are fetched when the user goes to them.
@@ -241,12 +250,21 @@ class TCustomDBGrid : public TWinControl {
     TMovedEvent OnColumnMoved;
     TDBGridClickEvent OnTitleClick;
     TNotifyEvent OnEditButtonClick;
-    TNotifyEvent OnDrawColumnCell;
+    // For each cell that is drawn, over what the grid has drawn (or, without DefaultDrawing, instead of it): handlers
+    // draw on the Canvas, which begins with the cell's font and colours, and fields give the record's values meanwhile.
+    TDrawColumnCellEvent OnDrawColumnCell;
+    TDrawDataCellEvent OnDrawDataCell;
+    TCanvas* Canvas() { return &canvas_; }
+    // What the grid itself would draw, with the font and brush that the canvas has now.
+    void DefaultDrawColumnCell(const TRect& rect, int dataCol, TColumn* column, TGridDrawState state);
 
     // The record that is drawn as the chosen one, and kept in sight; -1: none.
     virtual int64_t HighlightedRecord() const;
 
     // From the peer.
+    bool DrawnByHandlers() const { return OnDrawColumnCell || OnDrawDataCell; }
+    // Fires the events for a cell; what was drawn stands on the canvas.
+    void DrawCell(int64_t record, int column, const TRect& rect, TGridDrawState state);
     virtual void ProcessCellClick(int64_t record, int column, TShiftState shift = {});
     virtual void ProcessCellDblClick(int64_t record, int column);
     // The mouse is over a record without being pressed; was released over it (-1: over none).
@@ -313,6 +331,7 @@ class TCustomDBGrid : public TWinControl {
     int64_t topNumbersMoved_ = 0;  // the dataset's when it was set
     std::unique_ptr<CellEditor> editor_;
     TBookmarkList selectedRows_{*this};
+    TCanvas canvas_;
     TBookmark markedFrom_;
     // What is searched for, in which column, and when the last of it was typed.
     AnsiString searched_;

@@ -68,12 +68,18 @@ void TDataSource::Edit() {
     if (AutoEdit && State() == dsBrowse) dataSet_->Edit();
 }
 
-void TDataSource::ShowRecord(int64_t record, const std::function<void()>& within) {
+void TDataSource::WithRecord(int64_t record, const std::function<void()>& within) {
     if (State() == dsInactive) return;
     const TDataSet::RowInFocus focus(*dataSet_, dataSet_->RowOf(record));
-    for (size_t i = links_.size(); i-- > 0;)
-        if (i < links_.size()) links_[i]->Changed(DataEvent::RecordChanged, nullptr);
     within();
+}
+
+void TDataSource::ShowRecord(int64_t record, const std::function<void()>& within) {
+    WithRecord(record, [&] {
+        for (size_t i = links_.size(); i-- > 0;)
+            if (i < links_.size()) links_[i]->Changed(DataEvent::RecordChanged, nullptr);
+        within();
+    });
 }
 
 void TDataSource::Notification(TComponent* component, TOperation operation) {

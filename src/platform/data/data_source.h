@@ -43,6 +43,8 @@ class TDataSource : public TComponent {
     TDataSetState State() const;
     // Puts the dataset into the edit state when AutoEdit allows it.
     void Edit();
+    // Runs `within` while fields give the values of a record that is at hand. Nothing moves, and no event is fired.
+    void WithRecord(int64_t record, const std::function<void()>& within);
     // Has the links show a record that is at hand as if it were the current one, and runs `within` while fields give
     // its values; for copies of controls that show several records. Nothing moves, and no event is fired.
     void ShowRecord(int64_t record, const std::function<void()>& within);

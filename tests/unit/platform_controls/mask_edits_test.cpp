@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/controls/mask_edits.h"
+#include "platform/controls/shortcuts.h"
 #include "platform/system/message_dialogs.h"
 #include "unit/platform_controls/control_support.h"
 

@@ -2,6 +2,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QMouseEvent>
 
 #include "platform/controls/db_choices.h"
 #include "platform/controls/db_controls.h"
@@ -220,6 +221,62 @@ TEST(DataControls, ClicksChooseEditAndSort) {
     EXPECT_FALSE(grid.EditorMode());
     EXPECT_EQ(form.data.Sort(), "[Name]");
     EXPECT_NE(Main(grid)->grab().toImage(), unsorted);
+}
+
+TEST(DataControls, HandlersDrawCells) {
+    GridForm form;
+    TDBGrid& grid = form.Grid();
+    const auto color = [&](int column, int64_t record) {
+        const TRect cell = grid.CellRect(column, record);
+        return form.Cells()->grab().toImage().pixelColor(cell.Left + 2, cell.Top + 2);
+    };
+    form.data.Last();  // what is looked at is not selected
+    const QColor before = color(1, 0);
+    const QImage plain = form.Cells()->grab().toImage();
+    grid.OnDrawColumnCell = [&](TObject*, TRect rect, int dataCol, TColumn* column, TGridDrawState state) {
+        if (form.data.FieldByName("Id")->AsInteger() != 1 || dataCol != 1) return;
+        grid.Canvas()->Brush()->SetColor(clRed);
+        grid.Canvas()->Font()->SetColor(clWhite);
+        grid.DefaultDrawColumnCell(rect, dataCol, column, state);
+    };
+    EXPECT_EQ(color(1, 0), QColor(Qt::red));
+    EXPECT_EQ(color(1, 1), before);
+    EXPECT_EQ(color(0, 0), before);
+    grid.DefaultDrawing = false;
+    grid.OnDrawColumnCell = [&](TObject*, TRect rect, int dataCol, TColumn* column, TGridDrawState state) {
+        if (dataCol == 0) grid.DefaultDrawColumnCell(rect, dataCol, column, state);
+    };
+    EXPECT_NE(form.Cells()->grab().toImage(), plain) << "the other columns are empty";
+    grid.OnDrawColumnCell = [&](TObject*, TRect rect, int dataCol, TColumn* column, TGridDrawState state) {
+        grid.DefaultDrawColumnCell(rect, dataCol, column, state);
+    };
+    EXPECT_EQ(color(1, 0), before);
+    grid.OnDrawColumnCell = [&](TObject*, TRect, int, TColumn*, TGridDrawState) { form.data.Close(); };
+    form.Cells()->grab();
+    EXPECT_FALSE(form.data.Active()) << "a handler may do that";
+}
+
+TEST(DataControls, TheMouseSizesAndMovesColumns) {
+    GridForm form;
+    TDBGrid& grid = form.Grid();
+    const int y = grid.TitleHeight() / 2;
+    const TRect first = grid.CellRect(0, 0);
+    QTest::mousePress(form.Cells(), Qt::LeftButton, {}, {first.Right, y});
+    QTest::mouseMove(form.Cells(), {first.Right + 30, y});
+    QMouseEvent move(QEvent::MouseMove, QPointF(first.Right + 30, y),
+                     form.Cells()->mapToGlobal(QPointF(first.Right + 30, y)), Qt::NoButton, Qt::LeftButton,
+                     Qt::NoModifier);
+    QCoreApplication::sendEvent(form.Cells(), &move);
+    QTest::mouseRelease(form.Cells(), Qt::LeftButton, {}, {first.Right + 30, y});
+    EXPECT_EQ(grid.ShownColumns()[0]->Width(), 180);
+    const QPoint from(form.Middle(0, 0).x(), y), to(form.Middle(1, 0).x(), y);
+    QTest::mousePress(form.Cells(), Qt::LeftButton, {}, from);
+    QMouseEvent drag(QEvent::MouseMove, QPointF(to), form.Cells()->mapToGlobal(QPointF(to)), Qt::NoButton,
+                     Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(form.Cells(), &drag);
+    QTest::mouseRelease(form.Cells(), Qt::LeftButton, {}, to);
+    EXPECT_EQ(grid.ShownColumns()[0]->FieldName(), "Rate");
+    EXPECT_EQ(form.data.Sort(), "") << "a title that is moved is not clicked";
 }
 
 TEST(DataControls, TrueAndFalseDropDownInTheirCell) {
