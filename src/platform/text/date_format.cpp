@@ -1,6 +1,7 @@
 #include "platform/text/date_format.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 
 #include "platform/text/compare.h"
@@ -74,15 +75,18 @@ int WeekDay(int days) {
 }
 
 void AppendNumber(AnsiString& text, int number, std::size_t width) {
-    const AnsiString digits = IntToStr(number);
-    if (digits.size() < width) text.append(width - digits.size(), '0');
-    text += digits;
+    char digits[16];
+    const char* const end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+    const auto length = static_cast<std::size_t>(end - digits);
+    if (length < width) text.append(width - length, '0');
+    text.append(digits, length);
 }
 
 bool StartsWith(std::string_view text, std::string_view start) { return SameText(text.substr(0, start.size()), start); }
 
 // The length of the mark for the half of the day that starts here: am/pm, ampm or a/p; 0 when there is none.
 std::size_t HalfDayMark(std::string_view text) {
+    if (text.empty() || UpperChar(text.front()) != 'A') return 0;
     for (const std::string_view mark : {"am/pm", "ampm", "a/p"})
         if (StartsWith(text, mark)) return mark.size();
     return 0;

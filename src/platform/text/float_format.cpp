@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <vector>
 
@@ -20,6 +21,51 @@ AnsiString General(Decimal decimal, bool negative, int precision, int exponentDi
         plain ? PlainText(decimal, settings.DecimalSeparator, '\0', -1)
               : ScientificText(decimal, settings.DecimalSeparator, exponentDigits, ExponentSign::NegativeOnly);
     return negative && !decimal.IsZero() ? "-" + text : text;
+}
+
+// What General gives, by a shorter way for plain numbers that a double holds: 18 digits, rounded by halves to the
+// precision, without zeros behind. Empty for others.
+AnsiString PlainGeneral(long double value, int precision, const TFormatSettings& settings) {
+    if (value == 0) return "0";
+    const double size = std::fabs(static_cast<double>(value));
+    if (static_cast<long double>(size) != std::fabs(value) || size < 1e-3 || size >= 1e15) return {};
+    // d.ddddddddddddddddde+dd
+    char buffer[64];
+    const char* const end =
+        std::to_chars(buffer, buffer + sizeof buffer, size, std::chars_format::scientific, kExtendedDigits - 1).ptr;
+    char digits[kExtendedDigits + 1] = {'0', buffer[0]};
+    std::copy_n(buffer + 2, kExtendedDigits - 1, digits + 2);
+    const char* const exponent = buffer + kExtendedDigits + 2;
+    int point = 0;
+    std::from_chars(exponent + 1, end, point);
+    if (*exponent == '-') point = -point;
+    // digits[0] takes what is carried; the point stands behind digits[point].
+    ++point;
+    int count = kExtendedDigits;
+    if (precision < count) {
+        const bool up = digits[precision + 1] >= '5';
+        count = precision;
+        int at = count;
+        if (up) {
+            while (digits[at] == '9') digits[at--] = '0';
+            ++digits[at];
+        }
+    }
+    const bool carried = digits[0] != '0';
+    if (point + (carried ? 1 : 0) > precision) return {};
+    while (count > 0 && digits[count] == '0') --count;
+    AnsiString text;
+    text.reserve(kExtendedDigits + 2);
+    if (value < 0) text += '-';
+    const int first = carried ? 0 : 1;
+    if (point < first)
+        text += '0';
+    else
+        for (int i = first; i <= point; ++i) text += i <= count ? digits[i] : '0';
+    if (count <= point) return text;
+    text += settings.DecimalSeparator;
+    for (int i = point + 1; i <= count; ++i) text += i < first ? '0' : digits[i];
+    return text;
 }
 
 AnsiString Exponent(Decimal decimal, bool negative, int precision, int exponentDigits,
@@ -251,6 +297,8 @@ AnsiString FloatToStrF(long double value, TFloatFormat format, int precision, in
     const int exponentDigits = std::clamp(digits, 0, own::kMostExponentDigits);
     const int decimals = std::clamp(digits, 0, kExtendedDigits);
     const bool negative = value < 0;
+    if (format == ffGeneral)
+        if (AnsiString text = own::PlainGeneral(value, precision, settings); !text.empty()) return text;
     Decimal decimal = DecimalOf(value);
     if (format == ffGeneral) return own::General(decimal, negative, precision, exponentDigits, settings);
     if (format == ffExponent) return own::Exponent(decimal, negative, precision, exponentDigits, settings);

@@ -1,4 +1,5 @@
 #include "platform/text/numbers.h"
+#include "platform/text/decimal.h"
 
 #include <gtest/gtest.h>
 
@@ -332,6 +333,30 @@ TEST(Numbers, AmountsAsText) {
     EXPECT_EQ("1.5", ScaledCurrencyToStr(15000, Plain()));
     EXPECT_EQ("-0,0001", ScaledCurrencyToStr(-1, Spanish()));
     EXPECT_EQ("-922337203685477.5808", ScaledCurrencyToStr(std::numeric_limits<std::int64_t>::min(), Plain()));
+}
+
+// Plain numbers go a shorter way than all others: it gives the same.
+TEST(FloatToStrF, TheShortWayOfPlainNumbersGivesWhatTheDigitsSay) {
+    std::mt19937_64 random(3);
+    const auto said = [](double value, int precision) {
+        Decimal decimal = DecimalOf(value);
+        RoundAt(decimal, precision);
+        if (decimal.point > precision || decimal.point < -3) return AnsiString();
+        return (value < 0 && !decimal.IsZero() ? "-" : "") + PlainText(decimal, '.', '\0', -1);
+    };
+    const auto check = [&](double value) {
+        for (const int precision : {1, 2, 7, 14, 15, 16, 17, 18}) {
+            const AnsiString expected = said(value, precision);
+            if (!expected.empty()) ASSERT_EQ(FloatToStrF(value, ffGeneral, precision, 0, Plain()), expected) << value;
+        }
+    };
+    for (const double value : {0.0, -0.0, 1.0, -1.0, 0.1, 0.5, 9.5, 99.5, 0.95, 0.0995, 0.00995, 0.999999999999999944,
+                               99999999999999.5, 999999999999999.9, 123456789.0, 1e14, 1e15, 0.001, 0.0009999999})
+        check(value);
+    for (int i = 0; i < 20000; ++i) {
+        check(static_cast<double>(static_cast<int64_t>(random() % 2000000000) - 1000000000) / 1000);
+        check(std::ldexp(static_cast<double>(random() % 1000000007), static_cast<int>(random() % 60) - 40));
+    }
 }
 
 TEST(Numbers, TextsAsAmountsAreExact) {
