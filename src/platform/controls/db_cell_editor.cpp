@@ -28,7 +28,13 @@ void TCustomDBGrid::CellEditor::Show() {
         lines = field->DisplayValues;
         std::replace(lines.begin(), lines.end(), ';', '\n');
     }
-    if (!lines.empty() && column->ButtonStyle != cbsNone) {
+    if (field->FieldKind() == fkLookup) {
+        if (!lookup_) lookup_ = std::make_unique<LookupEditor>(*this);
+        lookup_->SetDropDownRows(column->DropDownRows);
+        lookup_->SetDataField(field->FieldName());
+        lookup_->SetDataSource(grid_.DataSource());
+        shown_ = lookup_.get();
+    } else if (!lines.empty() && column->ButtonStyle != cbsNone) {
         if (!lines_) lines_ = std::make_unique<LinesEditor>(*this);
         lines_->Items()->SetText(lines);
         lines_->SetDropDownCount(column->DropDownRows);
@@ -68,6 +74,7 @@ void TCustomDBGrid::CellEditor::Hide() {
     Commit();
     TWinControl* hidden = std::exchange(shown_, nullptr);
     hidden->SetVisible(false);
+    if (hidden == lookup_.get()) lookup_->SetDataSource(nullptr);
     if (button_) button_->SetVisible(false);
     grid_.Invalidate();
 }
@@ -87,7 +94,7 @@ void TCustomDBGrid::CellEditor::Commit() {
 
 void TCustomDBGrid::CellEditor::Reload() {
     const TField* field = grid_.SelectedField();
-    if (!shown_ || modified_) return;
+    if (!shown_ || modified_ || shown_ == lookup_.get()) return;
     loading_ = true;
     const AnsiString text = field ? field->Text() : AnsiString();
     if (shown_ == text_.get()) {
@@ -104,6 +111,10 @@ void TCustomDBGrid::CellEditor::Reload() {
 }
 
 void TCustomDBGrid::CellEditor::TypeFirst(char key) {
+    if (shown_ == lookup_.get()) {
+        lookup_->ProcessKeyPress(key);
+        return;
+    }
     const TField* field = grid_.SelectedField();
     if (field && !field->IsValidChar(key)) {
         MessageBeep();
@@ -125,6 +136,8 @@ void TCustomDBGrid::CellEditor::TypeFirst(char key) {
 void TCustomDBGrid::CellEditor::DropDown() {
     if (shown_ == lines_.get() && lines_)
         lines_->SetDroppedDown(true);
+    else if (shown_ == lookup_.get() && lookup_)
+        lookup_->DropDown();
     else if (grid_.SelectedColumn()->ButtonStyle == cbsEllipsis)
         grid_.EditButtonClick();
 }

@@ -4,13 +4,16 @@
 
 #include "platform/controls/bit_buttons.h"
 #include "platform/controls/db_grids.h"
+#include "platform/controls/db_lookups.h"
 #include "platform/controls/lists.h"
 #include "platform/controls/mask_edits.h"
+#include "platform/controls/shortcuts.h"
 #include "platform/system/message_dialogs.h"
 
 namespace vyn {
 
-// What edits a cell: a line of text, or one with lines to choose from, and the cell's button. One for a grid, made when
+// What edits a cell: a line of text, one with lines to choose from, or, of a looked-up field, the list in which it is
+// looked up; and the cell's button. One for a grid, made when
 // it is first needed.
 class TCustomDBGrid::CellEditor {
   public:
@@ -119,6 +122,38 @@ class TCustomDBGrid::CellEditor {
         CellEditor& cell_;
     };
 
+    class LookupEditor : public TDBLookupComboBox {
+      public:
+        explicit LookupEditor(CellEditor& cell) : TDBLookupComboBox(&cell.grid_), cell_(cell) {
+            SetTabStop(false);
+            SetVisible(false);
+            SetParent(&cell.grid_);
+        }
+        void KeyDown(uint16_t& key, TShiftState shift) override {
+            const bool takesBack = key == VK_ESCAPE && TheLookup().CanTakeBack();
+            if (!DroppedDown() && !takesBack && cell_.Key(key, shift)) {
+                key = 0;
+                return;
+            }
+            if (takesBack && !DroppedDown()) {
+                TakeBack();
+                key = 0;
+                return;
+            }
+            TDBLookupComboBox::KeyDown(key, shift);
+            // The record was taken, and Tab goes on.
+            if (key == VK_TAB && cell_.Key(key, shift)) key = 0;
+        }
+        bool WantsKey(uint16_t, TShiftState) const override { return true; }
+        void DoExit() override {
+            TDBLookupComboBox::DoExit();
+            cell_.Hide();
+        }
+
+      private:
+        CellEditor& cell_;
+    };
+
     class Button : public TSpeedButton {
       public:
         explicit Button(TCustomDBGrid& grid) : TSpeedButton(&grid), grid_(grid) {
@@ -138,6 +173,7 @@ class TCustomDBGrid::CellEditor {
     TCustomDBGrid& grid_;
     std::unique_ptr<TextEditor> text_;
     std::unique_ptr<LinesEditor> lines_;
+    std::unique_ptr<LookupEditor> lookup_;
     std::unique_ptr<Button> button_;
     TWinControl* shown_ = nullptr;
     bool modified_ = false;

@@ -20,6 +20,22 @@ constexpr uint32_t kSearchPause = 2000;  // ms after which typing begins another
 
 }  // namespace db_grid_detail
 
+namespace db_grid_detail {
+
+// A looked-up field is edited by those that it is looked up by.
+bool MayEdit(const TField& field) {
+    if (field.FieldKind() != fkLookup) return field.CanModify();
+    const TDataSet* list = field.LookupDataSet();
+    if (field.ReadOnly || !list || !list->Active()) return false;
+    const std::vector<AnsiString> names = SplitFieldNames(field.KeyFields);
+    return !names.empty() && std::all_of(names.begin(), names.end(), [&](const AnsiString& name) {
+        const TField* key = field.DataSet()->FindField(name);
+        return key && key->CanModify();
+    });
+}
+
+}  // namespace db_grid_detail
+
 TColumn* TCustomDBGrid::SelectedColumn() const {
     const auto& columns = ShownColumns();
     return selectedColumn_ < static_cast<int>(columns.size()) ? columns[static_cast<size_t>(selectedColumn_)] : nullptr;
@@ -28,7 +44,8 @@ TColumn* TCustomDBGrid::SelectedColumn() const {
 bool TCustomDBGrid::CanEditShow() const {
     const TColumn* column = SelectedColumn();
     const TField* field = column ? column->Field() : nullptr;
-    if (!Has(dgEditing) || Has(dgRowSelect) || ReadOnly || !field || column->ReadOnly() || !field->CanModify())
+    if (!Has(dgEditing) || Has(dgRowSelect) || ReadOnly || !field || column->ReadOnly() ||
+        !db_grid_detail::MayEdit(*field))
         return false;
     if (field->DataType() == ftMemo || field->DataType() == ftFmtMemo || field->DataType() == ftBlob ||
         field->DataType() == ftGraphic)

@@ -2,9 +2,11 @@
 #include <gtest/gtest.h>
 
 #include "platform/controls/db_grids.h"
+#include "platform/controls/db_lookups.h"
 #include "platform/controls/edits.h"
 #include "platform/controls/lists.h"
 #include "platform/controls/shortcuts.h"
+#include "platform/data/field_classes.h"
 #include "platform/system/clipboard.h"
 #include "platform/system/message_dialogs.h"
 #include "unit/platform_controls/control_support.h"
@@ -395,4 +397,58 @@ TEST_F(GridEditing, CtrlCCopiesTheCellOrTheRow) {
     With(dgRowSelect);
     Press(grid, VK_INSERT, {ssCtrl});
     EXPECT_EQ(Clipboard()->AsText().find("1\tSoler\t"), 0u);
+}
+
+TEST_F(GridEditing, ALookedUpFieldIsChosenInItsList) {
+    MemoryDataSet list({MemoryDataSet::Row(1, "one"), MemoryDataSet::Row(2, "two"), MemoryDataSet::Row(3, "three")});
+    list.Open();
+    data.Close();
+    const auto add = [&](const char* name, auto* field, TFieldKind kind) {
+        field->SetFieldName(name);
+        field->SetFieldKind(kind);
+        field->SetDataSet(&data);
+        return field;
+    };
+    TField* id = add("Id", new TIntegerField(&form), fkData);
+    add("Name", new TStringField(&form), fkData);
+    TField* word = add("Word", new TStringField(&form), fkLookup);
+    word->SetLookupDataSet(&list);
+    word->KeyFields = "Id";
+    word->LookupKeyFields = "Id";
+    word->LookupResultField = "Name";
+    data.Open();
+    grid->SetSelectedIndex(2);
+    Press(grid, VK_F2);
+    auto* box = ObjectCast<TDBLookupComboBox>(grid->InplaceEditor());
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(box->Text(), "one");
+    EXPECT_TRUE(box->Focused());
+    Press(box, VK_DOWN, {ssAlt});
+    ASSERT_TRUE(box->DroppedDown());
+    Press(box, VK_DOWN);
+    Press(box, VK_RETURN);
+    EXPECT_EQ(id->AsInteger(), 2);
+    EXPECT_TRUE(grid->EditorMode());
+    Press(box, VK_ESCAPE);
+    EXPECT_EQ(id->AsInteger(), 1) << "the value that was there";
+    Press(box, VK_ESCAPE);
+    EXPECT_FALSE(grid->EditorMode());
+    EXPECT_TRUE(grid->Focused());
+    Type(grid, "th");
+    ASSERT_TRUE(box->DroppedDown()) << "typing searches in the list";
+    Press(box, VK_TAB, {ssShift});
+    EXPECT_EQ(id->AsInteger(), 3);
+    EXPECT_FALSE(grid->EditorMode());
+    EXPECT_EQ(grid->SelectedIndex(), 1) << "and goes on";
+    grid->SetSelectedIndex(2);
+    Press(grid, VK_F2);
+    Press(box, VK_DOWN);
+    EXPECT_EQ(data.RecNo(), 2) << "without a list the arrows go to other records";
+    EXPECT_EQ(id->AsInteger(), 2);
+    id->ReadOnly = true;
+    EXPECT_FALSE(grid->CanEditShow());
+    id->ReadOnly = false;
+    list.Close();
+    EXPECT_FALSE(grid->CanEditShow());
+    data.Close();
 }
