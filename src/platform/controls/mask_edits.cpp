@@ -88,7 +88,10 @@ void TCustomMaskEdit::PutShown(const AnsiString& shown, int caret) {
 
 void TCustomMaskEdit::Put(int start, int end, std::string_view typed, int caret) {
     AnsiString shown = EditText();
-    shown.resize(static_cast<size_t>(mask_.Length()), mask_.Blank());
+    // An empty field shows nothing, not even the mask's literals.
+    const auto length = static_cast<size_t>(mask_.Length());
+    if (shown.size() < length) shown += mask_.Shown({}).substr(shown.size());
+    shown.resize(length);
     for (int place = start; place < std::min(end, mask_.Length()); ++place)
         if (mask_.IsEditable(place)) shown[static_cast<size_t>(place)] = mask_.Blank();
     int place = start;
