@@ -253,8 +253,8 @@ void TEventsVyn::SetFieldValue(TComponent* component, const AnsiString& path, co
     if (!dataSet) operands_detail::Error("El component " + name + " no és un TDataSet sinó un "_w + found->ClassName());
     TField* field = dataSet->FindField(fieldName);
     if (!field) operands_detail::NoFieldToSet(name, fieldName);
-    // Posting is the user's, or another rule's.
-    if (dataSet->State() != dsEdit && dataSet->State() != dsInsert) {
+    // Posting is the user's, or another rule's. While fields are calculated, theirs are set as they are.
+    if (dataSet->State() != dsEdit && dataSet->State() != dsInsert && dataSet->State() != dsCalcFields) {
         const int handle = dataSet->Handle();
         dataSet->Edit();
         // What runs before or after it may close the dataset.

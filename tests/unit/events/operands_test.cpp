@@ -253,6 +253,27 @@ TEST_F(Operands, FieldsOfAnOpenDataSetAreReadAndSet) {
     lines->Cancel();
 }
 
+TEST_F(Operands, ACalculatedFieldIsSetWithoutEditingTheRecord) {
+    TADOQuery* lines = OpenLines();
+    lines->Close();
+    for (const char* name : {"Price", "Twice"}) {
+        auto* field = new TFloatField(lines);
+        field->SetFieldName(name);
+        if (name[0] == 'T') field->SetFieldKind(fkCalculated);
+        field->SetDataSet(lines);
+    }
+    lines->OnCalcFields = [this](TDataSet*) { Put(tdcFieldName, "Lines.Twice", 5.0); };
+    lines->Open();
+    EXPECT_EQ(lines->FieldByName("Twice")->AsFloat(), 5.0);
+    EXPECT_EQ(lines->State(), dsBrowse);
+    lines->Append();
+    lines->FieldByName("Price")->SetAsFloat(8);
+    EXPECT_EQ(lines->FieldByName("Twice")->AsFloat(), 5.0);
+    EXPECT_EQ(lines->State(), dsInsert);
+    EXPECT_EQ(lines->FieldByName("Price")->AsFloat(), 8.0);
+    lines->Cancel();
+}
+
 TEST_F(Operands, AQueryStandsForItsDataSet) {
     auto* query = Make<TQuerySQL>("LinesQuery");
     query->SetQryDataSet(OpenLines());
