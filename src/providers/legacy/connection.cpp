@@ -105,6 +105,7 @@ class LegacyConnection final : public ProviderConnection {
     std::vector<AnsiString> TableNames(SystemTables system) override { return inner_->TableNames(system); }
     std::vector<AnsiString> ProcedureNames() override { return inner_->ProcedureNames(); }
     bool IsTable(const AnsiString& name) override { return inner_->IsTable(name); }
+    bool OriginsAreTables() const override { return inner_->OriginsAreTables(); }
     std::vector<AnsiString> KeyColumns(const AnsiString& table) override { return inner_->KeyColumns(table); }
     std::vector<AnsiString> IndexColumns(const AnsiString& table, const AnsiString& index) override {
         return inner_->IndexColumns(table, index);
