@@ -3,10 +3,13 @@
 #include <unistd.h>
 
 #include "platform/access/ado.h"
+#include "platform/access/sql_tokens.h"
 #include "platform/streams/stream.h"
 #include "platform/system/application.h"
 #include "platform/system/files.h"
+#include "platform/text/compare.h"
 #include "platform/text/exceptions.h"
+#include "platform/text/format_settings.h"
 #include "platform/text/numbers.h"
 #include "platform/text/windows1252.h"
 
@@ -48,6 +51,152 @@ AnsiString DatabaseFromScript(const AnsiString& scriptFile, const AnsiString& na
         throw EFCreateError("Cannot create file " + file);
     }
     return file;
+}
+
+namespace fill_detail {
+
+constexpr char kEmbedded[] = "SQLite";
+constexpr char kServer[] = "PostgreSQL";
+// Rows that go in one statement.
+constexpr int kRowsAtOnce = 200;
+
+// The statements of a script, each as its tokens without comments.
+using Statement = std::vector<SqlToken>;
+std::vector<Statement> StatementsOf(std::string_view script) {
+    std::vector<Statement> statements(1);
+    for (const SqlToken& token : TokenizeSql(script)) {
+        if (token.Kind == SqlTokenKind::Comment) continue;
+        if (token.Text == ";")
+            statements.emplace_back();
+        else if (token.Kind != SqlTokenKind::Blank || !statements.back().empty())
+            statements.back().push_back(token);
+    }
+    return statements;
+}
+
+// The words of a statement that are no blanks.
+std::vector<SqlToken> WordsOf(const Statement& statement) {
+    std::vector<SqlToken> words;
+    for (const SqlToken& token : statement)
+        if (token.Kind != SqlTokenKind::Blank) words.push_back(token);
+    return words;
+}
+
+bool Makes(const std::vector<SqlToken>& words, const char* what) {
+    return words.size() > 2 && IsKeyword(words[0], "CREATE") && IsKeyword(words[1], what);
+}
+
+// The server's words for the types of the embedded engine.
+AnsiString ForServer(const Statement& statement) {
+    AnsiString text;
+    const std::vector<SqlToken> words = WordsOf(statement);
+    for (size_t i = 0; i < words.size(); ++i) {
+        const auto follows = [&](size_t at, const char* word) {
+            return i + at < words.size() && IsKeyword(words[i + at], word);
+        };
+        if (follows(0, "INTEGER") && follows(1, "PRIMARY") && follows(2, "KEY") && follows(3, "AUTOINCREMENT")) {
+            text += "SERIAL PRIMARY KEY ";
+            i += 3;
+        } else if (follows(0, "CURRENCY")) {
+            text += "NUMERIC(18, 4) ";
+        } else if (follows(0, "MEMO") && follows(1, "TEXT")) {
+            text += "TEXT ";
+            ++i;
+        } else {
+            text += AnsiString(words[i].Text) + " ";
+        }
+    }
+    return text;
+}
+
+AnsiString Literal(const TField& field) {
+    if (field.IsNull()) return "NULL";
+    switch (field.DataType()) {
+        case ftBoolean:
+            return field.AsBoolean() ? "TRUE" : "FALSE";
+        case ftCurrency:
+        case ftBCD:
+            return CurrToStr(field.AsCurrency(), InvariantFormatSettings());
+        case ftFloat:
+            return FloatToStr(field.AsFloat(), InvariantFormatSettings());
+        case ftDate:
+        case ftDateTime:
+            return "'" + FormatDateTime("yyyy-mm-dd hh:nn:ss", field.AsDateTime(), InvariantFormatSettings()) + "'";
+        default:
+            break;
+    }
+    if (ColumnKindOf(field.DataType()) == ColumnKind::Integer) return field.AsString();
+    AnsiString text = "'";
+    for (const char each : field.AsString()) text += each == '\'' ? AnsiString("''") : AnsiString(1, each);
+    return text + "'";
+}
+
+void CopyRows(TADOConnection& from, TADOConnection& to, const AnsiString& table) {
+    TADOTable rows(nullptr);
+    rows.SetConnection(&from);
+    rows.SetTableName(table);
+    AnsiString values;
+    int count = 0;
+    const auto flush = [&] {
+        if (count > 0) to.Execute("INSERT INTO " + table + " VALUES " + values);
+        values.clear();
+        count = 0;
+    };
+    for (rows.Open(); !rows.Eof(); rows.Next()) {
+        AnsiString row;
+        for (int i = 0; i < rows.FieldCount(); ++i) row += (i > 0 ? ", " : "") + Literal(*rows.Fields(i));
+        values += (count > 0 ? ", (" : "(") + row + ")";
+        if (++count == kRowsAtOnce) flush();
+    }
+    flush();
+    // The next record's number comes behind those that are there.
+    const TField* first = rows.FieldCount() > 0 ? rows.Fields(0) : nullptr;
+    if (first && first->DataType() == ftAutoInc)
+        to.Execute("SELECT setval(pg_get_serial_sequence('" + table + "', '" + first->FieldName() + "'), (SELECT max(" +
+                   first->FieldName() + ") FROM " + table + "))");
+}
+
+}  // namespace fill_detail
+
+void FillDatabase(const AnsiString& connectionString, const AnsiString& scriptFile) {
+    using namespace fill_detail;
+    TMemoryStream script;
+    script.LoadFromFile(scriptFile);
+    const AnsiString text = Utf8ToAnsi(script.Bytes());
+    const std::vector<Statement> statements = StatementsOf(text);
+    std::vector<AnsiString> tables;
+    for (const Statement& statement : statements)
+        if (const auto words = WordsOf(statement); Makes(words, "TABLE")) tables.push_back(NameOf(words[2]));
+    TADOConnection target(nullptr);
+    target.SetConnectionString(connectionString);
+    target.Open();
+    TStringList there;
+    target.GetTableNames(there);
+    for (int i = 0; i < there.Count(); ++i)
+        if (tables.empty() || SameText(there.Get(i), tables[0])) return;
+    const AnsiString provider = ConnectionString(connectionString).Value("Provider", kEmbedded);
+    if (SameText(provider, kEmbedded)) {
+        target.Execute(text);
+        return;
+    }
+    if (!SameText(provider, kServer))
+        throw Exception("The sample's tables are made in SQLite and in PostgreSQL; in " + provider +
+                        " they have to be there");
+    TADOConnection source(nullptr);
+    source.SetConnectionString("Provider=SQLite;Data Source=:memory:");
+    source.Execute(text);
+    target.BeginTrans();
+    try {
+        for (const Statement& statement : statements) {
+            const auto words = WordsOf(statement);
+            if (Makes(words, "TABLE") || Makes(words, "INDEX")) target.Execute(ForServer(statement));
+        }
+        for (const AnsiString& table : tables) CopyRows(source, target, table);
+        target.CommitTrans();
+    } catch (...) {
+        target.RollbackTrans();
+        throw;
+    }
 }
 
 }  // namespace vyn

@@ -17,4 +17,9 @@ std::string DemoFolder();
 // all, and kept from then on. Gives its name. Raises EDatabaseError with the engine's reason.
 AnsiString DatabaseFromScript(const AnsiString& scriptFile, const AnsiString& name);
 
+// Makes the tables of such a script, and the rows that it puts into them, in the database of a connection string, all
+// or nothing; does nothing where the script's first table is there already. The script's words are the embedded
+// engine's; a PostgreSQL server gets its own for them. Raises EDatabaseError, and an Exception for other engines.
+void FillDatabase(const AnsiString& connectionString, const AnsiString& scriptFile);
+
 }  // namespace vyn

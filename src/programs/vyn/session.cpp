@@ -76,6 +76,9 @@ Session::Session(const RunOptions& options) {
     // The sample may stand where the user cannot write.
     if (wanted.Demo && wanted.ValuesFile.empty()) valuesFile_ = UserDataFolder() + "trading.values";
 
+    // The sample brings its data along, wherever it is to live.
+    if (wanted.Demo && !wanted.Database.empty()) FillDatabase(Utf8ToAnsi(wanted.Database), file_ + "/database.sql");
+
     data_ = std::make_unique<TDataModule>(nullptr);
     data_->SetName(session_detail::kModuleName);
     connection_ = new TADOConnection(data_.get());
