@@ -24,13 +24,13 @@ class TFRMDBGrid : public TCustomFRM {
   protected:
     bool NodeLoaded() override;
     void CleanStored(TRecursosObjecte& resources) override;
+    void ShowStatus(const AnsiString& text);
 
   private:
     // Opens what is to be seen; what goes wrong is told in the status bar, and the window stays.
     void OpenQueries();
     void OpenConsulta();
     std::vector<TQuerySQL*> Queries() const;
-    void ShowStatus(const AnsiString& text);
     TCustomADODataSet* Query() const;
 };
 

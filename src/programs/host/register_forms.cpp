@@ -1,6 +1,7 @@
 #include "persistence/Uvynclss.h"
 #include "platform/controls/form_classes.h"
 #include "platform/objects/class_table.h"
+#include "programs/host/entry_form.h"
 #include "programs/host/grid_form.h"
 #include "programs/host/main_form.h"
 #include "programs/host/node_forms.h"
@@ -13,9 +14,8 @@ namespace host_classes_detail {
 
 // Node types whose own windows are still to come: each opens as its ancestor does, under its own name.
 constexpr const char* kPlainForms[] = {
-    "TFRMSQLGeneric", "TFRMBarraBotons",   "TFRMDBEntradaDades", "TFRMDBQR",
-    "TFRMAjudaVyn",   "TFRMDBQRAutomatic", "TFRMSelNodeAcces",   "TFRMDBEntradaDadesMD",
-    "TFRMCalendari",  "TFRMExecutaCodi",   "TFRMNumeric",        "TFRMDBArbre",
+    "TFRMSQLGeneric",   "TFRMBarraBotons", "TFRMDBQR",        "TFRMAjudaVyn", "TFRMDBQRAutomatic",
+    "TFRMSelNodeAcces", "TFRMCalendari",   "TFRMExecutaCodi", "TFRMNumeric",  "TFRMDBArbre",
 };
 constexpr size_t kPlainFormCount = sizeof kPlainForms / sizeof kPlainForms[0];
 
@@ -53,6 +53,8 @@ void RegisterHostForms() {
     RegisterForm<TFRMDBGrid>();
     RegisterForm<TFRMDBGridTotals>();
     RegisterForm<TFRMDBGridMD>();
+    RegisterForm<TFRMDBEntradaDades>();
+    RegisterForm<TFRMDBEntradaDadesMD>();
     RegisterForm<TFRMPassword>();
     RegisterForm<TFRMQuiSoc>();
     RegisterPlainForms(std::make_index_sequence<kPlainFormCount>());
