@@ -3,7 +3,7 @@ PRAGMA foreign_keys = ON;
 BEGIN;
 
 CREATE TABLE clients (
-  id       INTEGER PRIMARY KEY,
+  id       INTEGER PRIMARY KEY AUTOINCREMENT,
   codi     VARCHAR(6) NOT NULL UNIQUE,
   nom      VARCHAR(60) NOT NULL,
   poblacio VARCHAR(40) NOT NULL,
@@ -11,7 +11,8 @@ CREATE TABLE clients (
   telefon  VARCHAR(15),
   alta     DATE NOT NULL,
   credit   CURRENCY NOT NULL,
-  actiu    BOOLEAN NOT NULL
+  actiu    BOOLEAN NOT NULL,
+  notes    MEMO TEXT
 );
 CREATE TABLE articles (
   id     INTEGER PRIMARY KEY,
@@ -22,14 +23,14 @@ CREATE TABLE articles (
   estoc  INTEGER NOT NULL
 );
 CREATE TABLE comandes (
-  id     INTEGER PRIMARY KEY,
+  id     INTEGER PRIMARY KEY AUTOINCREMENT,
   numero INTEGER NOT NULL UNIQUE,
   client INTEGER NOT NULL REFERENCES clients,
   data   DATE NOT NULL,
   estat  VARCHAR(12) NOT NULL
 );
 CREATE TABLE linies (
-  id        INTEGER PRIMARY KEY,
+  id        INTEGER PRIMARY KEY AUTOINCREMENT,
   comanda   INTEGER NOT NULL REFERENCES comandes,
   article   INTEGER NOT NULL REFERENCES articles,
   quantitat INTEGER NOT NULL,
@@ -73,7 +74,8 @@ SELECT o * 20 + f + 1,
        printf('9%02d %03d %03d', (o * 37 + f * 11) % 90 + 10, (o * 613 + f * 71) % 1000, (o * 131 + f * 977) % 1000),
        date('2004-01-07', '+' || ((o * 20 + f) * 16) || ' days'),
        ((o * 7 + f * 3) % 20 + 1) * 500,
-       (o + f * 2) % 9 <> 0
+       (o + f * 2) % 9 <> 0,
+       NULL
 FROM oficis, families JOIN pobles ON p = (o * 3 + f * 5) % 13;
 
 WITH

@@ -61,8 +61,8 @@ TEST_P(ShotOfNode, IsAPictureOfAWindow) {
 
 // Above 100000: what the shortcut shows.
 INSTANTIATE_TEST_SUITE_P(Sample, ShotOfNode,
-                         testing::Values(1, 2, 4, 5, 6, 7, 9, 11, 15, 16, 17, 18, 19, 20, 21, 22, 100002, 100003,
-                                         100004, 100005, 100006, 100007, 100008, 100009),
+                         testing::Values(1, 2, 4, 5, 6, 7, 9, 11, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 100002,
+                                         100003, 100004, 100005, 100006, 100007, 100008, 100009),
                          NameOfNode);
 
 TEST_F(Shot, AGuardedNodeNeedsItsGuard) {

@@ -12,6 +12,12 @@ void TypeInto(TCustomEdit& edit, const AnsiString& text) {
     for (char c : text) edit.KeyPress(c);
 }
 
+void ChooseIn(TWinControl& box, const AnsiString& text) {
+    for (char c : text) box.KeyPress(c);
+    uint16_t key = VK_RETURN;
+    box.KeyDown(key, {});
+}
+
 void ClickOn(TWinControl& button) { ObjectCast<TButton>(&button)->Click(); }
 
 void PressDown(TWinControl& control) {

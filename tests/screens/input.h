@@ -9,6 +9,8 @@ namespace vyn::screens {
 
 // Types in place of what the edit holds, a character at a time; an empty text deletes it.
 void TypeInto(TCustomEdit& edit, const AnsiString& text);
+// Types the beginning of an entry of a box with a list, and takes it.
+void ChooseIn(TWinControl& box, const AnsiString& text);
 void ClickOn(TWinControl& button);
 void PressDown(TWinControl& control);
 // Lets what waits happen.

@@ -35,6 +35,7 @@ class ScreenTest : public testing::Test {
         RunOptions options;
         options.File = VYN_SAMPLE;
         options.ValuesFile = (folder_ / "none.values").string();
+        Prepare(options);
         session = std::make_unique<Session>(options);
     }
     void TearDown() override {
@@ -43,6 +44,9 @@ class ScreenTest : public testing::Test {
         FinalizePackage();
         std::filesystem::remove_all(folder_);
     }
+
+    // For other options than the sample with a fresh file.
+    virtual void Prepare(RunOptions&) {}
 
     // Opens and shows the node of a caption (UTF-8), as the tree and the menus do.
     void Open(const std::string& caption) {
@@ -68,6 +72,11 @@ class ScreenTest : public testing::Test {
     }
     void Type(const AnsiString& name, const AnsiString& text) {
         TypeInto(Part<TCustomEdit>(name), text);
+        Settle();
+    }
+    // Chooses in a box with a list the first entry that begins so.
+    void Choose(const AnsiString& name, const AnsiString& text) {
+        ChooseIn(Part<TWinControl>(name), text);
         Settle();
     }
     void Press(const AnsiString& name) {

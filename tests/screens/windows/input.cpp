@@ -34,6 +34,15 @@ void TypeInto(TCustomEdit& edit, const AnsiString& text) {
     }
 }
 
+void ChooseIn(TWinControl& box, const AnsiString& text) {
+    // The list that drops at the first letter hands its keys to the box.
+    for (const QChar each : QString::fromStdString(AnsiToUtf8(text))) {
+        QKeyEvent press(QEvent::KeyPress, each.isSpace() ? Qt::Key_Space : 0, Qt::NoModifier, QString(each));
+        QCoreApplication::sendEvent(WidgetOf(box), &press);
+    }
+    QTest::keyClick(WidgetOf(box), Qt::Key_Return);
+}
+
 // A button that nobody has come to yet is a picture on the window that it stands in.
 void ClickOn(TWinControl& button) {
     QPoint place(button.Width() / 2, button.Height() / 2);

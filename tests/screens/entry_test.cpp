@@ -1,0 +1,273 @@
+// Records are entered, corrected and deleted, on the embedded engine and on a server: the same story, and the same rows
+// in the tables afterwards.
+#include "platform/controls/buttons.h"
+#include "platform/controls/db_controls.h"
+#include "platform/controls/labels.h"
+#include "platform/controls/status_bars.h"
+#include "platform/system/message_dialogs.h"
+#include "programs/host/entry_form.h"
+#include "programs/vyn/script_database.h"
+#include "providers/postgresql/connection.h"
+#include "providers/sqlite/connection.h"
+#include "screens/screen.h"
+#include "servers/postgresql_cluster.h"
+
+namespace vyn::screens {
+
+namespace {
+
+// One cluster for all tests of the process.
+servers::PostgresqlCluster& Cluster() {
+    static servers::PostgresqlCluster cluster;
+    return cluster;
+}
+
+class EntryTest : public ScreenTest, public testing::WithParamInterface<const char*> {
+  protected:
+    void Prepare(RunOptions& options) override {
+        RegisterSqliteProvider();
+        RegisterPostgresqlProvider();
+        where_ =
+            "Provider=SQLite;Data Source=" + testing::TempDir() + "vyn-entry-" + std::to_string(::getpid()) + ".db";
+        if (GetParam() == std::string("PostgreSQL")) {
+            where_ = Cluster().ConnectionString();
+            TADOConnection connection(nullptr);
+            connection.SetConnectionString(where_);
+            connection.Execute("DROP SCHEMA public CASCADE; CREATE SCHEMA public");
+        } else {
+            RemoveFile();
+        }
+        FillDatabase(where_, VYN_SAMPLE "/database.sql");
+        options.Database = AnsiToUtf8(where_);
+        SetMessageDialogPort([this](const MessageDialogRequest& request) {
+            asked_.push_back(AnsiToUtf8(request.Text));
+            return answer_;
+        });
+    }
+    void TearDown() override {
+        ScreenTest::TearDown();
+        SetMessageDialogPort(nullptr);
+        RemoveFile();
+    }
+    static void RemoveFile() {
+        for (const char* tail : {"", "-wal", "-shm"})
+            std::filesystem::remove(testing::TempDir() + "vyn-entry-" + std::to_string(::getpid()) + ".db" + tail);
+    }
+
+    // What another user does.
+    void Meanwhile(const AnsiString& sql) {
+        TADOConnection other(nullptr);
+        other.SetConnectionString(where_);
+        other.Execute(sql);
+    }
+    // Rows, their values divided by bars (UTF-8).
+    std::vector<std::string> RowsOf(const AnsiString& sql) {
+        TADOConnection other(nullptr);
+        other.SetConnectionString(where_);
+        TADOQuery query(nullptr);
+        query.SetConnection(&other);
+        query.SQL()->SetText(sql);
+        std::vector<std::string> rows;
+        for (query.Open(); !query.Eof(); query.Next()) {
+            AnsiString row;
+            for (int i = 0; i < query.FieldCount(); ++i) row += (i > 0 ? "|" : "") + query.Fields(i)->AsString();
+            rows.push_back(AnsiToUtf8(row));
+        }
+        return rows;
+    }
+    std::string Total() { return AnsiToUtf8(Part<TDBText>("Total").GetLabelText()); }
+    bool Enabled(const AnsiString& name) { return Part<TWinControl>(name).Enabled(); }
+    AnsiString FieldText(const AnsiString& field) { return Part<TDataSet>("Consulta").FieldByName(field)->AsString(); }
+
+    void TypeACustomer() {
+        Type("Codi", "x00501");
+        Type("Nom",
+             "N\xFA\xF1"
+             "ez & Fills");
+        Type("Poblacio", "Olot");
+        Type("Regio", "Garrotxa");
+        Type("Telefon", "972000111");
+        Type("Alta", "11/20/2026");
+        Type("Credit", "1500.5");
+        Type("Notes", "Paga tard");
+    }
+    void TypeALine(const AnsiString& article, const AnsiString& quantity) {
+        Press("NovaLinia");
+        Choose("Article", article);
+        Type("Quantitat", quantity);
+        Press("Desar");
+    }
+
+    AnsiString where_;
+    std::vector<std::string> asked_;
+    TModalResult answer_ = mrYes;
+};
+
+}  // namespace
+
+TEST_P(EntryTest, ACustomerIsEnteredWithMistakesThatAreCaught) {
+    Open("Fitxa de client");
+    EXPECT_EQ(form->ClassName(), "TFRMDBEntradaDades");
+    EXPECT_EQ(Part<TStatusBar>("Estat").SimpleText(), "Registre 1 de 256+");
+    EXPECT_EQ(Text("Codi") + "|" + Text("Nom") + "|" + Text("Credit"), "C00001|Ferreteria Puig|500.00");
+    EXPECT_FALSE(Enabled("Desar"));
+    Press("Nou");
+    EXPECT_TRUE(Enabled("Desar"));
+    EXPECT_FALSE(Enabled("Nou"));
+    EXPECT_EQ(Text("Credit"), "500.00") << "what a new customer begins with";
+    TypeACustomer();
+    Type("Nom", "");
+    Press("Desar");
+    EXPECT_EQ(Caption("Missatge"), "Cal omplir el camp «Nom».");
+    Type("Nom",
+         "N\xFA\xF1"
+         "ez & Fills");
+    Type("Credit", "60000");
+    Press("Desar");
+    EXPECT_EQ(Caption("Missatge"), "El crèdit ha de ser entre 0 i 50.000.");
+    Type("Credit", "1500.5");
+    Press("Desar");
+    EXPECT_EQ(Caption("Missatge"), "");
+    EXPECT_FALSE(Enabled("Desar"));
+    EXPECT_EQ(RowsOf("SELECT * FROM clients WHERE id > 500"),
+              std::vector<std::string>{
+                  "501|X00501|Núñez & Fills|Olot|Garrotxa|972 000 111|11/20/2026|1500.5|True|Paga tard"});
+}
+
+TEST_P(EntryTest, ACodeThatIsTakenIsTold) {
+    Open("Fitxa de client");
+    Press("Nou");
+    TypeACustomer();
+    Type("Codi", "C00007");
+    Press("Desar");
+    EXPECT_NE(Caption("Missatge"), "");
+    EXPECT_TRUE(Enabled("Desar")) << "what was typed stays";
+    EXPECT_EQ(Text("Poblacio"), "Olot");
+    Type("Codi", "x00502");
+    Press("Desar");
+    EXPECT_EQ(Caption("Missatge"), "");
+    EXPECT_EQ(RowsOf("SELECT codi FROM clients WHERE id > 500"), std::vector<std::string>{"X00502"});
+}
+
+TEST_P(EntryTest, TwoUsersChangeACustomer) {
+    Open("Fitxa de client");
+    Type("Credit", "700");
+    Meanwhile("UPDATE clients SET credit = 900 WHERE id = 1");
+    Press("Desar");
+    EXPECT_EQ(
+        Caption("Missatge"),
+        "Un altre usuari ha canviat aquest registre. Crèdit: era «500», ara és «900». Premeu Cancel·la per veure-ho.");
+    EXPECT_EQ(RowsOf("SELECT credit FROM clients WHERE id = 1"), std::vector<std::string>{"900"});
+    Press("Cancelar");
+    EXPECT_EQ(Caption("Missatge"), "");
+    EXPECT_EQ(Text("Credit"), "900.00");
+    Type("Credit", "950");
+    Press("Desar");
+    EXPECT_EQ(RowsOf("SELECT credit FROM clients WHERE id = 1"), std::vector<std::string>{"950"});
+    // Different fields of a customer do not meet.
+    Type("Poblacio", "Torell\xF3");
+    Meanwhile("UPDATE clients SET credit = 1000 WHERE id = 1");
+    Press("Desar");
+    EXPECT_EQ(Caption("Missatge"), "");
+    EXPECT_EQ(RowsOf("SELECT poblacio, credit FROM clients WHERE id = 1"), std::vector<std::string>{"Torelló|1000"});
+}
+
+TEST_P(EntryTest, AnOrderOfThreeLinesIsEnteredAndOneIsDeleted) {
+    Open("Entrada de comandes");
+    EXPECT_EQ(form->ClassName(), "TFRMDBEntradaDadesMD");
+    EXPECT_EQ(Total(), "2,155.97");
+    EXPECT_EQ(Row("GraellaDetall", 0), "Olla inox|16|55.20|883.20");
+    Press("Nou");
+    EXPECT_EQ(Part<TDataSet>("ConsultaDetall").RecordCount(), 0);
+    Type("Numero", "20249001");
+    Type("Data", "11/20/2026");
+    Press("Desar");
+    EXPECT_EQ(Caption("Missatge"), "Cal omplir el camp «Client».");
+    Choose("Client", "Hardware L");
+    Press("Desar");
+    EXPECT_EQ(Caption("Missatge"), "");
+    TypeALine("Martell petit", "3");
+    EXPECT_EQ(Caption("Missatge"), "");
+    EXPECT_EQ(Row("GraellaDetall", 0), "Martell petit|3|10.00|30.00") << "the price is the article's";
+    EXPECT_EQ(Total(), "30.00");
+    TypeALine("Serra antic", "0");
+    EXPECT_EQ(Caption("Missatge"), "La quantitat ha de ser més gran que zero.");
+    Type("Quantitat", "2");
+    Press("Desar");
+    EXPECT_EQ(Total(), "78.62");
+    TypeALine("Cargol gran", "10");
+    EXPECT_EQ(Total(), "163.72");
+    EXPECT_EQ(Row("GraellaDetall", 2), "Cargol gran|10|8.51|85.10");
+    Press("EliminarLinia");
+    EXPECT_EQ(Total(), "78.62");
+    Type("Preu", "20");
+    Press("Desar");
+    EXPECT_EQ(Total(), "70.00");
+    EXPECT_EQ(RowsOf("SELECT * FROM comandes WHERE id > 4000"),
+              std::vector<std::string>{"4001|20249001|195|11/20/2026|pendent"});
+    EXPECT_EQ(RowsOf("SELECT * FROM linies WHERE id > 20000 ORDER BY id"),
+              (std::vector<std::string>{"20001|4001|1|3|10", "20002|4001|120|2|20"}));
+}
+
+TEST_P(EntryTest, ACustomerIsDeletedOnlyWhenAskedAndNotWithOrders) {
+    Open("Fitxa de client");
+    answer_ = mrNo;
+    Press("Eliminar");
+    EXPECT_EQ(asked_, std::vector<std::string>{"Voleu eliminar aquest registre?"});
+    EXPECT_EQ(Caption("Missatge"), "");
+    EXPECT_EQ(FieldText("id"), "1");
+    answer_ = mrYes;
+    Press("Eliminar");
+    EXPECT_NE(Caption("Missatge"), "") << "it has orders";
+    EXPECT_EQ(RowsOf("SELECT count(*) FROM clients"), std::vector<std::string>{"500"});
+    Press("Nou");
+    TypeACustomer();
+    Press("Desar");
+    Press("Eliminar");
+    EXPECT_EQ(Caption("Missatge"), "");
+    EXPECT_EQ(RowsOf("SELECT count(*) FROM clients"), std::vector<std::string>{"500"});
+}
+
+TEST_P(EntryTest, AScreenWithChangesAsksBeforeItCloses) {
+    Open("Fitxa de client");
+    EXPECT_TRUE(form->CloseQuery());
+    Type("Nom", "Altre nom");
+    answer_ = mrCancel;
+    EXPECT_FALSE(form->CloseQuery());
+    EXPECT_EQ(asked_, std::vector<std::string>{"Hi ha canvis sense desar. Els voleu desar?"});
+    EXPECT_TRUE(Enabled("Desar"));
+    answer_ = mrNo;
+    EXPECT_TRUE(form->CloseQuery());
+    EXPECT_EQ(RowsOf("SELECT nom FROM clients WHERE id = 1"), std::vector<std::string>{"Ferreteria Puig"});
+    Press("Nou");
+    Type("Codi", "x00600");
+    answer_ = mrYes;
+    EXPECT_FALSE(form->CloseQuery()) << "it cannot be saved";
+    Press("Cancelar");
+    Type("Nom", "Altre nom");
+    EXPECT_TRUE(form->CloseQuery());
+    EXPECT_EQ(RowsOf("SELECT nom FROM clients WHERE id = 1"), std::vector<std::string>{"Altre nom"});
+}
+
+TEST_P(EntryTest, EveryScreenOfTheSampleOpensOnThisDatabase) {
+    for (const char* caption :
+         {"Clients", "Articles", "Comandes", "Factures", "Factures per any", "Clients per regió", "Comandes i línies",
+          "Línies d'una comanda", "Fitxa de client", "Entrada de comandes"}) {
+        Open(caption);
+        ASSERT_NE(form, nullptr);
+        EXPECT_TRUE(Part<TDataSet>("Consulta").Active()) << caption;
+        EXPECT_GT(Part<TDataSet>("Consulta").RecordsFetched(), 0) << caption;
+    }
+}
+
+TEST_P(EntryTest, TheDatabaseIsFilledOnce) {
+    Meanwhile("DELETE FROM linies");
+    FillDatabase(where_, VYN_SAMPLE "/database.sql");
+    EXPECT_EQ(RowsOf("SELECT count(*) FROM linies"), std::vector<std::string>{"0"});
+    EXPECT_EQ(RowsOf("SELECT count(*), sum(credit) FROM clients"), std::vector<std::string>{"500|2625000"});
+    EXPECT_EQ(RowsOf("SELECT count(*), round(sum(total), 2) FROM factures").size(), 1u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Engines, EntryTest, testing::Values("SQLite", "PostgreSQL"));
+
+}  // namespace vyn::screens
