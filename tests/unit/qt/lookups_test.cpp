@@ -5,6 +5,7 @@
 
 #include "platform/controls/db_lookups.h"
 #include "platform/controls/text_metrics.h"
+#include "platform/data/field_classes.h"
 #include "qt_tests.h"
 #include "unit/platform_data/memory_data_set.h"
 
@@ -220,4 +221,43 @@ TEST(Lookups, AssistiveTechnologyHearsNameValueAndCells) {
     EXPECT_FALSE(cell->isValid());
     EXPECT_EQ(table->rowCount(), 0);
     QAccessible::setActive(false);
+}
+
+TEST(Lookups, AGridsCellDropsItsListToo) {
+    LookupForm form;
+    form.data.Close();
+    const auto add = [&](const char* name, auto* field, TFieldKind kind) {
+        field->SetFieldName(name);
+        field->SetFieldKind(kind);
+        field->SetDataSet(&form.data);
+        return field;
+    };
+    add("Id", new TIntegerField(&*form), fkData);
+    TField* who = add("Who", new TStringField(&*form), fkLookup);
+    who->SetLookupDataSet(&form.people);
+    who->KeyFields = who->LookupKeyFields = "Id";
+    who->LookupResultField = "Name";
+    auto* grid = new TDBGrid(&*form);
+    grid->SetParent(&*form);
+    grid->SetBounds(10, 150, 300, 100);
+    grid->SetDataSource(&form.Get<TDataSource>("Source"));
+    form.data.Open();
+    grid->SetSelectedIndex(1);
+    grid->SetFocus();
+    Settle();
+    PressKey(Qt::Key_F2);
+    Settle();
+    auto* box = ObjectCast<TDBLookupComboBox>(grid->InplaceEditor());
+    ASSERT_NE(box, nullptr);
+    EXPECT_EQ(QApplication::focusWidget(), Main(*box));
+    const TRect cell = grid->CellRect(1, 0);
+    EXPECT_EQ(Main(*box)->geometry().topLeft(), QPoint(cell.Left, cell.Top));
+    Type(*box, QStringLiteral("se"));
+    ASSERT_TRUE(box->DroppedDown());
+    QTest::keyClick(Main(*box->List()), Qt::Key_Return);
+    EXPECT_EQ(form.Id(), 5);
+    PressKey(Qt::Key_Return);
+    EXPECT_FALSE(grid->EditorMode());
+    EXPECT_EQ(QApplication::focusWidget(), Main(*grid));
+    form.data.Close();
 }
