@@ -25,7 +25,11 @@ QWidget* WidgetOf(const TControl& control) {
 }  // namespace
 
 void TypeInto(TCustomEdit& edit, const AnsiString& text) {
-    QTest::keyClick(WidgetOf(edit), Qt::Key_A, Qt::ControlModifier);
+    // Coming to it comes first: a field may be edited as another text than it is shown.
+    if (edit.CanFocus()) edit.SetFocus();
+    // As the window system says it: with the control character.
+    QKeyEvent all(QEvent::KeyPress, Qt::Key_A, Qt::ControlModifier, QString(QChar(1)));
+    QCoreApplication::sendEvent(WidgetOf(edit), &all);
     if (text.empty()) QTest::keyClick(WidgetOf(edit), Qt::Key_Delete);
     for (const QChar each : QString::fromStdString(AnsiToUtf8(text))) {
         const bool plain = each.isLetterOrNumber() && each.unicode() < 128;
