@@ -40,7 +40,7 @@ AnsiString SpellNames(const AnsiString& sql, const std::vector<AnsiString>& name
 }
 
 bool ReadsOnly(const AnsiString& sql) {
-    bool reads = false, first = true;
+    bool reads = false, first = true, holding = false;
     for (const SqlToken& token : TokenizeSql(sql)) {
         if (token.Kind == SqlTokenKind::Blank || token.Kind == SqlTokenKind::Comment) continue;
         if (first)
@@ -49,6 +49,9 @@ bool ReadsOnly(const AnsiString& sql) {
         first = false;
         for (const char* word : {"INSERT", "DELETE", "MERGE", "INTO"})
             if (IsKeyword(token, word)) reads = false;
+        // FOR UPDATE and FOR NO KEY UPDATE only hold records.
+        if (IsKeyword(token, "UPDATE") && !holding) reads = false;
+        holding = IsKeyword(token, "FOR") || (holding && (IsKeyword(token, "NO") || IsKeyword(token, "KEY")));
     }
     return reads;
 }

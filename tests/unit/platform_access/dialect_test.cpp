@@ -158,3 +158,14 @@ TEST(Dialect, OnlyTheTypesOfColumnsThatAreMadeAreMemos) {
     EXPECT_EQ(translated("CREATE TEMP TABLE t (a memo, b Memo(10)); CREATE TABLE u (c MEMO)"),
               "CREATE TEMP TABLE t (a MEMO TEXT, b MEMO TEXT(10)); CREATE TABLE u (c MEMO TEXT)");
 }
+
+TEST(Dialect, StatementsThatOnlyReadAreTold) {
+    for (const char* sql : {"SELECT 1", " -- x\n(SELECT 1) UNION VALUES (2)", "WITH a AS (SELECT 1) SELECT * FROM a",
+                            "SELECT a FROM t FOR UPDATE", "SELECT a FROM t FOR NO KEY UPDATE", "SHOW datestyle",
+                            "SELECT 'INSERT', \"delete\", [update] FROM t"})
+        EXPECT_TRUE(ReadsOnly(sql)) << sql;
+    for (const char* sql : {"", "UPDATE t SET a = 1", "INSERT INTO t SELECT 1", "DELETE FROM t", "CREATE TABLE t (a)",
+                            "WITH a AS (UPDATE t SET b = 1 RETURNING b) SELECT * FROM a", "SELECT a INTO u FROM t",
+                            "WITH a AS (DELETE FROM t RETURNING b) SELECT * FROM a", "BEGIN; SELECT 1", "CALL p()"})
+        EXPECT_FALSE(ReadsOnly(sql)) << sql;
+}
