@@ -219,12 +219,24 @@ void PutAmount(RowStore& rows, const char* bytes) {
     }
     // Ten-thousandths are the group behind the separator. Columns that are amounts have no more digits than fit.
     int64_t amount = 0;
-    if (number.weight > kMostGroupsOfAmounts)
+    constexpr int kBeyondAmounts = 100;
+    if (number.weight > kMostGroupsOfAmounts ||
+        (number.weight == kMostGroupsOfAmounts && number.Group(0) >= kBeyondAmounts))
         throw EDatabaseError("The database server sent a value that cannot be one");
     for (int place = number.weight; place >= -1; --place)
         amount = amount * kDigitGroup + number.Group(number.weight - place);
     if (number.weight < -1) amount = 0;
     rows.PutInteger(number.sign == ServerNumber::kNegative ? -amount : amount);
+}
+
+// A number that is too large for a real one is shown as none; one that is too small is zero.
+void PutReal(RowStore& rows, std::string_view text, bool isLarge) {
+    double value = 0;
+    const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (read.ec == std::errc::result_out_of_range && isLarge)
+        rows.PutNull();
+    else
+        rows.PutReal(read.ec == std::errc() ? value : 0);
 }
 
 void PutReal(RowStore& rows, const char* bytes) {
@@ -240,12 +252,17 @@ void PutReal(RowStore& rows, const char* bytes) {
         text += digits;
     }
     text += "e" + std::to_string((number.weight + 1) * 4);
-    double value = 0;
-    std::from_chars(text.data(), text.data() + text.size(), value);
-    rows.PutReal(value);
+    PutReal(rows, text, number.weight > 0);
 }
 
-// What a value of the type takes at the least, and at the most where that is not the same.
+[[noreturn]] void RaiseNoValue() { throw EDatabaseError("The database server sent a value that cannot be one"); }
+
+void RequireGroups(const ServerNumber& number) {
+    for (int i = 0; i < number.count; ++i)
+        if (number.Group(i) < 0 || number.Group(i) >= kDigitGroup) RaiseNoValue();
+}
+
+// A server that is none, or a line that spoils what it sends, may say anything.
 void RequireLength(const char* bytes, int length, Oid type) {
     int wanted = length;
     switch (type) {
@@ -269,12 +286,14 @@ void RequireLength(const char* bytes, int length, Oid type) {
             break;
         case kNumeric:
             wanted = ServerNumber::kHeader;
-            if (length >= wanted) wanted += 2 * std::max(ServerNumber(bytes).count, 0);
+            if (length < wanted) break;
+            wanted += 2 * std::max(ServerNumber(bytes).count, 0);
+            if (length == wanted) RequireGroups(ServerNumber(bytes));
             break;
         default:
             break;
     }
-    if (length != wanted) throw EDatabaseError("The database server sent a value that cannot be one");
+    if (length != wanted) RaiseNoValue();
 }
 
 void PutBinary(RowStore& rows, const char* bytes, int length, Oid type, TFieldType fieldType) {
@@ -340,7 +359,12 @@ void PutText(RowStore& rows, std::string_view text, Oid type, TFieldType fieldTy
             std::string digits;
             for (char c : text)
                 if ((c >= '0' && c <= '9') || c == '-') digits += c;
-            rows.PutInteger(StrToInt64Def(digits, 0) * kMoneyPerCent);
+            // The server's reach further than amounts do.
+            const int64_t cents = StrToInt64Def(digits, 0);
+            if (cents > INT64_MAX / kMoneyPerCent || cents < INT64_MIN / kMoneyPerCent)
+                rows.PutNull();
+            else
+                rows.PutInteger(cents * kMoneyPerCent);
             return;
         }
         case kBytea: {
@@ -384,12 +408,11 @@ void PutText(RowStore& rows, std::string_view text, Oid type, TFieldType fieldTy
         case ColumnKind::Integer:
             rows.PutInteger(StrToInt64Def(text, 0));
             return;
-        case ColumnKind::Real: {
-            double value = 0;
-            std::from_chars(text.data(), text.data() + text.size(), value);
-            rows.PutReal(value);
+        case ColumnKind::Real:
+            PutReal(rows, text,
+                    text.find("e-") == std::string_view::npos &&
+                        text.find_first_not_of("-0.") == text.find_first_not_of('-'));
             return;
-        }
         case ColumnKind::Text:
         case ColumnKind::Bytes:
             rows.PutBytes(text);

@@ -122,6 +122,19 @@ TEST_F(Postgresql, WhatTheCalendarLacksIsShownAsNone) {
     }
 }
 
+TEST_F(Postgresql, NumbersThatAreTooLargeForRealOnesAreShownAsNone) {
+    for (const char* last : {"", ", '{}'::int4[]"}) {
+        const auto query = Query(AnsiString("SELECT 1e400::numeric, -1e400::numeric, 1e-400::numeric, 1e308::numeric, "
+                                            "('0.' || repeat('0', 500) || '1')::numeric") +
+                                 last);
+        EXPECT_TRUE(query->Fields(0)->IsNull()) << last;
+        EXPECT_TRUE(query->Fields(1)->IsNull()) << last;
+        EXPECT_EQ(query->Fields(2)->AsFloat(), 0) << last;
+        EXPECT_EQ(query->Fields(3)->AsFloat(), 1e308) << last;
+        EXPECT_EQ(query->Fields(4)->AsFloat(), 0) << last;
+    }
+}
+
 TEST_F(Postgresql, AmountsOfEverySizeAreReadExactly) {
     for (const char* number : {"0", "0.0001", "-0.0001", "0.01", "1", "9999", "10000", "-10000.5",
                                "99999999999999.9999", "100000000", "0.5", "5000.005"}) {
