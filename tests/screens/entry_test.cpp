@@ -268,6 +268,13 @@ TEST_P(EntryTest, TheDatabaseIsFilledOnce) {
     EXPECT_EQ(RowsOf("SELECT count(*), round(sum(total), 2) FROM factures").size(), 1u);
 }
 
+// The sample has got further columns since the database was made.
+TEST_P(EntryTest, ADatabaseOfAnEarlierSampleGetsTheColumnsThatItLacks) {
+    Meanwhile("ALTER TABLE clients DROP COLUMN notes");
+    FillDatabase(where_, VYN_SAMPLE "/database.sql");
+    EXPECT_EQ(RowsOf("SELECT count(*), count(notes) FROM clients"), std::vector<std::string>{"500|0"});
+}
+
 INSTANTIATE_TEST_SUITE_P(Engines, EntryTest, testing::Values("SQLite", "PostgreSQL"));
 
 }  // namespace vyn::screens

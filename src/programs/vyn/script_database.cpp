@@ -28,31 +28,6 @@ std::string DemoFolder() {
     throw Exception("The sample application was not found beside the program");
 }
 
-AnsiString DatabaseFromScript(const AnsiString& scriptFile, const AnsiString& name) {
-    const AnsiString file = UserDataFolder() + name + ".db";
-    if (FileExists(file)) return file;
-    TMemoryStream script;
-    script.LoadFromFile(scriptFile);
-    // Made under another name, so that an interruption leaves no half of a database.
-    const AnsiString unfinished = file + ".new-" + IntToStr(::getpid());
-    try {
-        TADOConnection connection(nullptr);
-        connection.SetConnectionString("Provider=SQLite;Data Source=" + unfinished);
-        connection.Execute(Utf8ToAnsi(script.Bytes()));
-        // One file, without a log beside it.
-        connection.Execute("PRAGMA wal_checkpoint(TRUNCATE); PRAGMA journal_mode = DELETE");
-        connection.Close();
-    } catch (...) {
-        DeleteFile(unfinished);
-        throw;
-    }
-    if (!RenameFile(unfinished, file)) {
-        DeleteFile(unfinished);
-        throw EFCreateError("Cannot create file " + file);
-    }
-    return file;
-}
-
 namespace fill_detail {
 
 constexpr char kEmbedded[] = "SQLite";
@@ -156,13 +131,96 @@ void CopyRows(TADOConnection& from, TADOConnection& to, const AnsiString& table)
                    first->FieldName() + ") FROM " + table + "))");
 }
 
+AnsiString ScriptText(const AnsiString& scriptFile) {
+    TMemoryStream script;
+    script.LoadFromFile(scriptFile);
+    return Utf8ToAnsi(script.Bytes());
+}
+
+// The columns that a table's statement defines, each as its tokens; rules of the table among them.
+std::vector<Statement> ColumnsOf(const Statement& statement) {
+    std::vector<Statement> columns;
+    int depth = 0;
+    for (const SqlToken& word : WordsOf(statement)) {
+        if (word.Text == ")") --depth;
+        if (depth == 1 && word.Text == ",")
+            columns.emplace_back();
+        else if (depth > 0)
+            columns.back().push_back(word);
+        if (word.Text == "(" && depth++ == 0) columns.emplace_back();
+    }
+    return columns;
+}
+
+bool IsTableRule(const Statement& column) {
+    for (const char* word : {"PRIMARY", "FOREIGN", "UNIQUE", "CHECK", "CONSTRAINT"})
+        if (IsKeyword(column.front(), word)) return true;
+    return false;
+}
+
+// Tables that an earlier script made get the columns that it has got since.
+void AddColumns(TADOConnection& target, const std::vector<Statement>& statements, bool onServer) {
+    TStringList there;
+    target.GetTableNames(there);
+    for (const Statement& statement : statements) {
+        const auto words = WordsOf(statement);
+        if (!Makes(words, "TABLE") || there.IndexOf(NameOf(words[2])) < 0) continue;
+        TADOTable table(nullptr);
+        table.SetConnection(&target);
+        table.SetTableName(NameOf(words[2]));
+        table.Open();
+        std::vector<const Statement*> missing;
+        const std::vector<Statement> columns = ColumnsOf(statement);
+        for (const Statement& column : columns)
+            if (!column.empty() && !IsTableRule(column) && !table.FindField(NameOf(column.front())))
+                missing.push_back(&column);
+        table.Close();
+        for (const Statement* column : missing) {
+            AnsiString text;
+            for (const SqlToken& word : *column) text += AnsiString(word.Text) + " ";
+            target.Execute("ALTER TABLE " + NameOf(words[2]) + " ADD COLUMN " + (onServer ? ForServer(*column) : text));
+        }
+    }
+}
+
 }  // namespace fill_detail
+
+AnsiString DatabaseFromScript(const AnsiString& scriptFile, const AnsiString& name) {
+    const AnsiString file = UserDataFolder() + name + ".db";
+    const AnsiString script = fill_detail::ScriptText(scriptFile);
+    if (FileExists(file)) {
+        try {
+            TADOConnection connection(nullptr);
+            connection.SetConnectionString("Provider=SQLite;Data Source=" + file);
+            fill_detail::AddColumns(connection, fill_detail::StatementsOf(script), false);
+        } catch (const EDatabaseError&) {
+            // It may be another user's, or in use: the screens that need a column that it lacks say so.
+        }
+        return file;
+    }
+    // Made under another name, so that an interruption leaves no half of a database.
+    const AnsiString unfinished = file + ".new-" + IntToStr(::getpid());
+    try {
+        TADOConnection connection(nullptr);
+        connection.SetConnectionString("Provider=SQLite;Data Source=" + unfinished);
+        connection.Execute(script);
+        // One file, without a log beside it.
+        connection.Execute("PRAGMA wal_checkpoint(TRUNCATE); PRAGMA journal_mode = DELETE");
+        connection.Close();
+    } catch (...) {
+        DeleteFile(unfinished);
+        throw;
+    }
+    if (!RenameFile(unfinished, file)) {
+        DeleteFile(unfinished);
+        throw EFCreateError("Cannot create file " + file);
+    }
+    return file;
+}
 
 void FillDatabase(const AnsiString& connectionString, const AnsiString& scriptFile) {
     using namespace fill_detail;
-    TMemoryStream script;
-    script.LoadFromFile(scriptFile);
-    const AnsiString text = Utf8ToAnsi(script.Bytes());
+    const AnsiString text = ScriptText(scriptFile);
     const std::vector<Statement> statements = StatementsOf(text);
     std::vector<AnsiString> tables;
     for (const Statement& statement : statements)
@@ -170,11 +228,14 @@ void FillDatabase(const AnsiString& connectionString, const AnsiString& scriptFi
     TADOConnection target(nullptr);
     target.SetConnectionString(connectionString);
     target.Open();
+    const AnsiString provider = ConnectionString(connectionString).Value("Provider", kEmbedded);
     TStringList there;
     target.GetTableNames(there);
-    for (int i = 0; i < there.Count(); ++i)
-        if (tables.empty() || SameText(there.Get(i), tables[0])) return;
-    const AnsiString provider = ConnectionString(connectionString).Value("Provider", kEmbedded);
+    if (tables.empty() || there.IndexOf(tables[0]) >= 0) {
+        if (SameText(provider, kEmbedded) || SameText(provider, kServer))
+            AddColumns(target, statements, SameText(provider, kServer));
+        return;
+    }
     if (SameText(provider, kEmbedded)) {
         target.Execute(text);
         return;

@@ -116,6 +116,10 @@ Session::Session(const RunOptions& options) {
 
 Session::~Session() {
     SetNodeOpener(nullptr);
+    // Windows go before the data that they show, and before the toolkit; those that were opened last go first.
+    for (int i = Application()->ComponentCount(); i-- > 0;)
+        if (i < Application()->ComponentCount() && ObjectCast<TCustomForm>(Application()->Components(i)))
+            delete Application()->Components(i);
     app_.reset();
     SetFindGlobalComponent(nullptr);
 }
