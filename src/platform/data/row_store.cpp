@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 
 namespace vyn {
 
@@ -29,8 +30,8 @@ RowStore::RowStore(std::vector<ColumnKind> columns)
 void RowStore::MakeRoom(size_t bytes) {
     const size_t had = at_ > begin_ ? static_cast<size_t>(at_ - begin_) : 0;
     const size_t block = std::max(had + bytes, row_store_detail::kBlockSize);
-    blocks_.push_back(std::unique_ptr<unsigned char[]>(new unsigned char[block]));
-    unsigned char* made = blocks_.back().get();
+    blocks_.push_back({std::unique_ptr<unsigned char[]>(new unsigned char[block]), block});
+    unsigned char* made = blocks_.back().bytes.get();
     if (had > 0) std::memcpy(made, begin_, had);
     begin_ = made;
     at_ = made + had;
@@ -182,12 +183,16 @@ std::string_view RowStore::Bytes(int64_t row, int column) const {
 void RowStore::Truncate(int64_t count) {
     if (count >= Count()) return;
     last_ = {};
-    const auto* kept = rows_[static_cast<size_t>(count)];
+    // Where the first of them begins, the next row is put; what lies behind it is theirs.
+    const unsigned char* const kept = rows_[static_cast<size_t>(count)];
     rows_.resize(static_cast<size_t>(count));
     if (numbered_) identities_.resize(static_cast<size_t>(count));
-    // Where the last block holds what goes, the next row is put there.
-    const bool inLastBlock = !blocks_.empty() && kept >= blocks_.back().get() && kept < limit_;
-    begin_ = at_ = inLastBlock ? const_cast<unsigned char*>(kept) : blocks_.empty() ? nullptr : blocks_.back().get();
+    const auto holds = [kept](const Block& block) {
+        return std::greater_equal<>()(kept, block.bytes.get()) && std::less<>()(kept, block.bytes.get() + block.size);
+    };
+    for (; !blocks_.empty() && !holds(blocks_.back()); blocks_.pop_back()) used_ -= blocks_.back().size;
+    begin_ = at_ = const_cast<unsigned char*>(kept);
+    limit_ = blocks_.back().bytes.get() + blocks_.back().size;
 }
 
 void RowStore::Clear() {

@@ -104,7 +104,11 @@ class RowStore {
 
     std::vector<ColumnKind> columns_;
     size_t bitmapBytes_;
-    std::vector<std::unique_ptr<unsigned char[]>> blocks_;
+    struct Block {
+        std::unique_ptr<unsigned char[]> bytes;
+        size_t size = 0;
+    };
+    std::vector<Block> blocks_;
     // The row being put: where it begins in the last block, how far it is, and where the block ends.
     unsigned char* begin_ = nullptr;
     unsigned char* at_ = nullptr;

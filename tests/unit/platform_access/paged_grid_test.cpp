@@ -194,6 +194,30 @@ TEST_F(PagedGrid, AFilterReadsAllRecordsAndItsEndGoesBackToPages) {
     EXPECT_TRUE(query.IsPaged());
 }
 
+TEST_F(PagedGrid, WhoeverWalksThroughAllKeepsFew) {
+    constexpr int64_t kFew = kMany / 2;
+    int64_t most = 0;
+    size_t memory = 0;
+    for (query.First(); !query.Eof(); query.Next()) {
+        most = std::max(most, query.Rows().Count());
+        memory = std::max(memory, query.Rows().MemoryUsed());
+    }
+    EXPECT_EQ(query.FieldByName("id")->AsString(), "1000000");
+    EXPECT_LT(most, kFew);
+    EXPECT_LT(memory, size_t{2} << 20);
+    // And the first one is still where it was.
+    query.First();
+    EXPECT_EQ(Seen(), Stored("10"));
+}
+
+TEST_F(PagedGrid, TheCurrentRecordIsAtHandWhileOthersAreReadAndForgotten) {
+    query.MoveBy(2);
+    for (int64_t place = 0; place < 1000000; place += 1000) grid.ProcessScroll(place);
+    EXPECT_EQ(query.FieldByName("id")->AsString(), "30");
+    EXPECT_EQ(query.FieldByName("nom")->AsString(), "n30");
+    EXPECT_LT(query.Rows().Count(), kMany / 2);
+}
+
 TEST_F(PagedGrid, AnErrorWhileShowingIsToldOnceAndMovingTriesAgain) {
     connection.Execute("ALTER TABLE molts RENAME TO altres");
     EXPECT_THROW(grid.ProcessScroll(500000), EDatabaseError);

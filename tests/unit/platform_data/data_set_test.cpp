@@ -94,6 +94,45 @@ TEST(RowStore, EveryValueComesBack) {
     EXPECT_EQ(rows.Bytes(0, 3), "");
 }
 
+TEST(RowStore, ValuesAreFoundInAnyOrderOfAsking) {
+    RowStore rows({ColumnKind::Text, ColumnKind::Integer, ColumnKind::Text, ColumnKind::Real});
+    for (int i = 0; i < 3; ++i)
+        rows.Append({i == 1 ? Cell::Null() : Cell::Bytes("a" + std::to_string(i)), Cell::Integer(i * 1000),
+                     Cell::Bytes("b" + std::to_string(i)), Cell::Real(i + 0.5)});
+    for (const auto& [row, column] :
+         {std::pair{0, 3}, {0, 1}, {0, 2}, {1, 2}, {1, 0}, {1, 3}, {2, 0}, {0, 0}, {2, 3}}) {
+        const Cell cell = rows.CellAt(row, column);
+        if (column == 0) EXPECT_EQ(cell.AsBytes(), row == 1 ? "" : "a" + std::to_string(row));
+        if (column == 1) EXPECT_EQ(cell.AsInteger(), row * 1000);
+        if (column == 2) EXPECT_EQ(cell.AsBytes(), "b" + std::to_string(row));
+        if (column == 3) EXPECT_EQ(cell.AsReal(), row + 0.5);
+    }
+    // Also after the row is another one.
+    EXPECT_EQ(rows.Bytes(2, 2), "b2");
+    rows.Replace(2, {Cell::Null(), Cell::Null(), Cell::Bytes("c"), Cell::Real(1)});
+    EXPECT_EQ(rows.Bytes(2, 2), "c");
+    EXPECT_EQ(rows.Real(2, 3), 1);
+}
+
+TEST(RowStore, TheLastRowsAreForgottenAndTheirMemoryIsUsedAgain) {
+    RowStore rows({ColumnKind::Integer, ColumnKind::Bytes});
+    rows.Append({Cell::Integer(1), Cell::Bytes("first")});
+    const size_t before = rows.MemoryUsed();
+    for (int i = 0; i < 1000; ++i) {
+        // A few at a time, and more than a block of memory holds.
+        const int count = i % 100 == 0 ? 10000 : 100;
+        for (int j = 0; j < count; ++j) rows.Append({Cell::Integer(j), Cell::Bytes(std::string(100, 'x'))});
+        EXPECT_EQ(rows.Bytes(count, 1).size(), 100u);
+        rows.Truncate(1);
+    }
+    EXPECT_EQ(rows.Count(), 1);
+    EXPECT_LT(rows.MemoryUsed(), before * 2);
+    rows.Append({Cell::Integer(2), Cell::Bytes("second")});
+    EXPECT_EQ(rows.Bytes(0, 1), "first");
+    EXPECT_EQ(rows.Bytes(1, 1), "second");
+    EXPECT_EQ(rows.Integer(1, 0), 2);
+}
+
 TEST(RowStore, SmallRowsTakeLittleMemory) {
     RowStore rows({ColumnKind::Integer, ColumnKind::Text});
     for (int i = 0; i < 100000; ++i) {
