@@ -128,10 +128,10 @@ class TDataSet : public TComponent {
     TFilterOptions FilterOptions() const { return filterOptions_; }
     void SetFilterOptions(TFilterOptions value);
     // Go to a record that the filter takes, also while all are shown; say whether there was one.
-    bool FindFirst() { return Find(0, 1); }
-    bool FindNext() { return Find(current_ + 1, 1); }
-    bool FindPrior() { return Find(current_ - 1, -1); }
-    bool FindLast() { return Find(RecordCount() - 1, -1); }
+    bool FindFirst();
+    bool FindNext();
+    bool FindPrior();
+    bool FindLast();
     // In which order: names of fields, separated by commas, each perhaps followed by ASC or DESC; empty: as they come.
     // Texts are ordered as people do, without regard to case; those of a paged result as its engine orders them.
     const AnsiString& Sort() const { return sort_; }

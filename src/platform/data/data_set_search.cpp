@@ -257,8 +257,30 @@ void TDataSet::CompileFilter() {
     if (!Trim(filter_).empty()) compiledFilter_ = std::make_unique<RowExpression>(ExpressionOf(filter_));
 }
 
-bool TDataSet::Find(int64_t from, int64_t step) {
+bool TDataSet::FindFirst() {
     CheckBrowseMode();
+    if (window_) window_->GoStart();
+    return Find(FirstRecord(), 1);
+}
+
+bool TDataSet::FindNext() {
+    CheckBrowseMode();
+    ShowCurrent();
+    return Find(current_ + 1, 1);
+}
+
+bool TDataSet::FindPrior() {
+    CheckBrowseMode();
+    ShowCurrent();
+    return Find(current_ - 1, -1);
+}
+
+bool TDataSet::FindLast() {
+    CheckBrowseMode();
+    return Find(LastRecord(), -1);
+}
+
+bool TDataSet::Find(int64_t from, int64_t step) {
     for (int64_t record = from; record >= 0 && record < FetchTo(record + 1); record += step) {
         record += SettleNumbers();
         if (record < FirstRecord()) break;

@@ -261,7 +261,8 @@ Variant TField::LookedUp(const std::vector<Variant>& keys) const {
             at = end + 1;
         }
         const TField* result = source.FieldByName(LookupResultField);
-        for (int64_t record = 0; record < source.FetchTo(record + 1); ++record) {
+        // Of a large one, what was asked for is kept.
+        for (int64_t record = 0; !source.IsPaged() && record < source.FetchTo(record + 1); ++record) {
             std::vector<Variant> values;
             for (const TField* field : keyFields) values.push_back(field->ValueIn(record));
             // The first one counts.
@@ -270,7 +271,10 @@ Variant TField::LookedUp(const std::vector<Variant>& keys) const {
         lookupList_ = std::move(list);
     }
     const auto found = lookupList_->values.find(keyOf(keys));
-    return found == lookupList_->values.end() ? Variant::Null() : found->second;
+    if (found != lookupList_->values.end()) return found->second;
+    if (!source.IsPaged()) return Variant::Null();
+    return lookupList_->values.emplace(keyOf(keys), source.Lookup(LookupKeyFields, keys, LookupResultField))
+        .first->second;
 }
 
 bool TField::IsNull() const { return IsNullInRow(CurrentRow()); }

@@ -218,6 +218,34 @@ TEST_F(PagedGrid, TheCurrentRecordIsAtHandWhileOthersAreReadAndForgotten) {
     EXPECT_LT(query.Rows().Count(), kMany / 2);
 }
 
+TEST_F(PagedGrid, LookedUpFieldsAskTheEngineOfALargeTable) {
+    TADOQuery lines(nullptr);
+    lines.SetConnection(&connection);
+    lines.SQL()->SetText("SELECT 300000 AS molt UNION ALL SELECT 7 UNION ALL SELECT 300000");
+    auto* name = new TStringField(&lines);
+    name->SetFieldName("Nom");
+    name->SetFieldKind(fkLookup);
+    name->KeyFields = "molt";
+    name->SetLookupDataSet(&query);
+    name->LookupKeyFields = "id";
+    name->LookupResultField = "nom";
+    name->LookupCache = true;
+    name->SetDataSet(&lines);
+    lines.Open();
+    query.Last();
+    EXPECT_EQ(name->AsString(), "n300000");
+    lines.Next();
+    EXPECT_TRUE(name->IsNull());
+    connection.Execute("UPDATE molts SET nom = 'altre' WHERE id = 300000");
+    lines.Next();
+    EXPECT_EQ(name->AsString(), "n300000") << "what was asked once is kept";
+    name->RefreshLookupList();
+    lines.First();
+    EXPECT_EQ(name->AsString(), "altre");
+    EXPECT_EQ(query.FieldByName("id")->AsString(), "1000000");
+    EXPECT_LT(query.Rows().Count(), 1000);
+}
+
 TEST_F(PagedGrid, AnErrorWhileShowingIsToldOnceAndMovingTriesAgain) {
     connection.Execute("ALTER TABLE molts RENAME TO altres");
     EXPECT_THROW(grid.ProcessScroll(500000), EDatabaseError);
