@@ -340,6 +340,11 @@ TEST_F(ControlGrid, CopiesShowOtherRecordsAndNobodyHearsOfIt) {
     EXPECT_EQ(data->FieldByName("Id")->AsInteger(), 1);
     EXPECT_EQ(changes, 0);
     EXPECT_EQ(scrolls, 0);
+    // What counts here goes before what is listened to.
+    name->OnChange = nullptr;
+    source.OnDataChange = nullptr;
+    data->AfterScroll = nullptr;
+    grid->OnPaintPanel = nullptr;
 }
 
 TEST_F(ControlGrid, CopiesFollowWhatChangesInTheOriginals) {
