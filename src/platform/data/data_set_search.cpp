@@ -193,13 +193,12 @@ void TDataSet::GoTo(TBookmark bookmark) {
         MoveTo(record);
         return;
     }
-    if (window_->RowOfIdentity(bookmark.Identity) < 0) DatabaseError("Record not found");
-    bof_ = eof_ = false;
     BeforeScroll(this);
     CheckActive();
-    // Handlers may have gone elsewhere.
+    // Others may have deleted it, and handlers may have gone elsewhere.
     const int64_t row = window_ ? window_->RowOfIdentity(bookmark.Identity) : -1;
     if (row < 0) DatabaseError("Record not found");
+    bof_ = eof_ = false;
     window_->ShowAround(row);
     SettleNumbers();
     Announce(DataEvent::Scrolled);

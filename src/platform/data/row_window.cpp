@@ -1,6 +1,7 @@
 #include "platform/data/row_window.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace vyn {
 
@@ -20,7 +21,13 @@ int64_t RowWindow::RowOf(int64_t record) const {
     return record < base_ || record >= End() ? -1 : view_[static_cast<size_t>(record - base_)];
 }
 
-// The rows read since; those that are in the view already, because they were written here, are left out.
+std::vector<int64_t> RowWindow::RowsSince(int64_t from) const {
+    std::vector<int64_t> rows(static_cast<size_t>(rows_.Count() - from));
+    std::iota(rows.begin(), rows.end(), from);
+    return rows;
+}
+
+// The rows read since that come to those in the view: without what is there already, because it was written here.
 std::vector<int64_t> RowWindow::NewRows(int64_t from) {
     std::vector<int64_t> rows;
     for (int64_t row = from; row < rows_.Count(); ++row) {
@@ -73,8 +80,7 @@ void RowWindow::GoStart() {
     if (atStart_) return;
     const int64_t from = rows_.Count();
     pages_->ReadAfter(nullptr, 0, screen_, rows_);
-    misplaced_.clear();
-    std::vector<int64_t> view = NewRows(from);
+    std::vector<int64_t> view = RowsSince(from);
     atStart_ = true;
     atEnd_ = static_cast<int64_t>(view.size()) < screen_;
     Replace(std::move(view), 0);
@@ -84,8 +90,7 @@ void RowWindow::GoEnd() {
     if (atEnd_) return;
     const int64_t from = rows_.Count();
     pages_->ReadBefore(nullptr, 0, screen_, rows_);
-    misplaced_.clear();
-    std::vector<int64_t> view = NewRows(from);
+    std::vector<int64_t> view = RowsSince(from);
     std::reverse(view.begin(), view.end());
     const auto count = static_cast<int64_t>(view.size());
     atEnd_ = true;
@@ -159,7 +164,7 @@ void RowWindow::Jump(int64_t record, int64_t count) {
         else
             pages_->ReadAfter(nullptr, record, wanted, rows_);
     }
-    std::vector<int64_t> view = NewRows(from);
+    std::vector<int64_t> view = RowsSince(from);
     const auto got = static_cast<int64_t>(view.size());
     if (got == 0) return backwards ? GoStart() : GoEnd();
     if (backwards) std::reverse(view.begin(), view.end());
@@ -229,7 +234,6 @@ void RowWindow::ShowAround(int64_t row) {
     pages_->ReadBefore(&place, 0, screen_ / 2, rows_);
     const int64_t middle = rows_.Count();
     pages_->ReadAfter(&place, 0, screen_ / 2, rows_);
-    misplaced_.clear();
     std::vector<int64_t> view;
     for (int64_t each = middle - 1; each >= from; --each) view.push_back(each);
     const auto before = static_cast<int64_t>(view.size());

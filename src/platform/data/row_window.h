@@ -95,6 +95,7 @@ class RowWindow {
     void Trim(int64_t record);
     void LetCurrentGo(int64_t from, int64_t to);
     void FindCurrent(int64_t from, int64_t to);
+    std::vector<int64_t> RowsSince(int64_t from) const;
     std::vector<int64_t> NewRows(int64_t from);
     std::string KeyAt(int64_t row) const { return keys_.KeyAt(rows_, row); }
 

@@ -218,6 +218,17 @@ TEST_F(PagedGrid, TheCurrentRecordIsAtHandWhileOthersAreReadAndForgotten) {
     EXPECT_LT(query.Rows().Count(), kMany / 2);
 }
 
+TEST_F(PagedGrid, ARecordWrittenHereIsSeenWhereItBelongs) {
+    query.InsertRecord({Variant(150005), Variant("nou")});
+    grid.ProcessScroll(149990);
+    const std::vector<AnsiString> seen = Seen();
+    EXPECT_EQ(seen, Stored(seen[0]));
+    EXPECT_NE(std::find(seen.begin(), seen.end(), "150005"), seen.end());
+    // It is the current one, too.
+    Press(VK_DOWN);
+    EXPECT_EQ(query.FieldByName("id")->AsString(), "150010");
+}
+
 TEST_F(PagedGrid, LookedUpFieldsAskTheEngineOfALargeTable) {
     TADOQuery lines(nullptr);
     lines.SetConnection(&connection);
