@@ -21,16 +21,6 @@ AnsiString EngineDialect::QuotedName(const AnsiString& name) const {
 
 namespace dialect_detail {
 
-bool IsFiller(const SqlToken& token) {
-    return token.Kind == SqlTokenKind::Blank || token.Kind == SqlTokenKind::Comment;
-}
-bool IsSymbol(const SqlToken& token, char symbol) {
-    return token.Kind == SqlTokenKind::Symbol && token.Text.front() == symbol;
-}
-bool JoinsSelects(const SqlToken& token) {
-    return IsKeyword(token, "UNION") || IsKeyword(token, "INTERSECT") || IsKeyword(token, "EXCEPT");
-}
-
 AnsiString DateLiteral(const SqlToken& token, const EngineDialect& dialect) {
     double days = 0;
     DateLiteralParts parts = DateLiteralParts::Both;

@@ -56,19 +56,7 @@ bool ReadsOnly(const AnsiString& sql) {
     return reads;
 }
 
-namespace query_shape_detail {
-
-bool IsSymbol(const SqlToken& token, char symbol) {
-    return token.Kind == SqlTokenKind::Symbol && token.Text.front() == symbol;
-}
-bool JoinsSelects(const SqlToken& token) {
-    return IsKeyword(token, "UNION") || IsKeyword(token, "INTERSECT") || IsKeyword(token, "EXCEPT");
-}
-
-}  // namespace query_shape_detail
-
 QueryShape ShapeOf(const AnsiString& sql) {
-    using namespace query_shape_detail;
     QueryShape shape;
     int depth = 0;
     bool first = true, inFrom = false, wantsSource = false, afterDot = false;
@@ -108,17 +96,13 @@ namespace query_shape_detail {
 
 // [schema.] [table.] column [[AS] alias]
 AnsiString ColumnOf(const std::vector<SqlToken>& item) {
-    const auto isName = [](const SqlToken& token) {
-        return token.Kind == SqlTokenKind::Identifier || token.Kind == SqlTokenKind::Name ||
-               (token.Kind == SqlTokenKind::Quoted && token.Text.front() == '"');
-    };
     size_t at = 0;
-    if (item.empty() || !isName(item[0])) return {};
-    while (at + 2 < item.size() && IsSymbol(item[at + 1], '.') && isName(item[at + 2])) at += 2;
+    if (item.empty() || !IsName(item[0])) return {};
+    while (at + 2 < item.size() && IsSymbol(item[at + 1], '.') && IsName(item[at + 2])) at += 2;
     const AnsiString name = NameOf(item[at]);
     const size_t rest = item.size() - at - 1;
-    const bool called = rest == 0 || (rest == 1 && isName(item[at + 1])) ||
-                        (rest == 2 && IsKeyword(item[at + 1], "AS") && isName(item[at + 2]));
+    const bool called = rest == 0 || (rest == 1 && IsName(item[at + 1])) ||
+                        (rest == 2 && IsKeyword(item[at + 1], "AS") && IsName(item[at + 2]));
     return called ? name : AnsiString();
 }
 

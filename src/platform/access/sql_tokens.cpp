@@ -157,4 +157,21 @@ bool IsKeyword(const SqlToken& token, std::string_view word) {
     return token.Kind == SqlTokenKind::Identifier && SameText(token.Text, word);
 }
 
+bool JoinsSelects(const SqlToken& token) {
+    return IsKeyword(token, "UNION") || IsKeyword(token, "INTERSECT") || IsKeyword(token, "EXCEPT");
+}
+
+bool IsSymbol(const SqlToken& token, char symbol) {
+    return token.Kind == SqlTokenKind::Symbol && token.Text.front() == symbol;
+}
+
+bool IsFiller(const SqlToken& token) {
+    return token.Kind == SqlTokenKind::Blank || token.Kind == SqlTokenKind::Comment;
+}
+
+bool IsName(const SqlToken& token) {
+    return token.Kind == SqlTokenKind::Identifier || token.Kind == SqlTokenKind::Name ||
+           (token.Kind == SqlTokenKind::Quoted && token.Text.front() == '"');
+}
+
 }  // namespace vyn

@@ -34,5 +34,12 @@ std::vector<SqlToken> TokenizeSql(std::string_view sql);
 AnsiString NameOf(const SqlToken& token);
 // Whether it is this keyword, in any case.
 bool IsKeyword(const SqlToken& token, std::string_view word);
+// UNION, INTERSECT, EXCEPT.
+bool JoinsSelects(const SqlToken& token);
+bool IsSymbol(const SqlToken& token, char symbol);
+// Whether it says nothing: a blank or a comment.
+bool IsFiller(const SqlToken& token);
+// Whether it may be a name, as it stands or quoted.
+bool IsName(const SqlToken& token);
 
 }  // namespace vyn

@@ -16,22 +16,11 @@ constexpr char kEscape = '\\';
 // Of a text, how many characters say where it stands between others.
 constexpr size_t kTellingBytes = 6;
 
-bool IsFiller(const SqlToken& token) {
-    return token.Kind == SqlTokenKind::Blank || token.Kind == SqlTokenKind::Comment;
-}
-bool IsSymbol(const SqlToken& token, char symbol) {
-    return token.Kind == SqlTokenKind::Symbol && token.Text.front() == symbol;
-}
-bool IsName(const SqlToken& token) {
-    return token.Kind == SqlTokenKind::Identifier || token.Kind == SqlTokenKind::Name ||
-           (token.Kind == SqlTokenKind::Quoted && token.Text.front() == '"');
-}
 // What stands behind a query's conditions, or makes it another kind of query.
 bool EndsPaging(const SqlToken& token) {
-    for (const char* word : {"LIMIT", "OFFSET", "FETCH", "TOP", "FOR", "INTO", "UNION", "INTERSECT", "EXCEPT", "GROUP",
-                             "HAVING", "DISTINCT", "WINDOW"})
+    for (const char* word : {"LIMIT", "OFFSET", "FETCH", "TOP", "FOR", "INTO", "GROUP", "HAVING", "DISTINCT", "WINDOW"})
         if (IsKeyword(token, word)) return true;
-    return false;
+    return JoinsSelects(token);
 }
 
 bool HoldsAsShown(TFieldType type) {
@@ -421,6 +410,11 @@ bool TablePages::Follows(const Record& row, const Record& other) const {
     const Cell& b = other[lead.column];
     if (order_.size() > 1 || !a.IsInteger() || !b.IsInteger()) return false;
     return lead.descending ? a.AsInteger() < b.AsInteger() : a.AsInteger() > b.AsInteger();
+}
+
+int64_t TablePages::Estimate() {
+    if (!estimate_) estimate_ = connection_.EstimatedRows(query_.Table);
+    return *estimate_;
 }
 
 int64_t TablePages::Count() {

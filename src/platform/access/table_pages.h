@@ -40,7 +40,8 @@ class TablePages final : public RowPages {
                       RowStore& rows) override;
     double PartOf(const Record& row, const Record& first, const Record& last) const override;
     bool Follows(const Record& row, const Record& other) const override;
-    int64_t Estimate() override { return connection_.EstimatedRows(query_.Table); }
+    // Asked for once.
+    int64_t Estimate() override;
     int64_t Count() override;
     Record PlaceOf(const RowStore& rows, int64_t row) const override;
     const std::vector<size_t>& KeyColumns() const override { return query_.Key; }
@@ -82,6 +83,7 @@ class TablePages final : public RowPages {
     Query query_;
     PreparedStatements prepared_;
     std::vector<Part> order_;
+    std::optional<int64_t> estimate_;
 };
 
 }  // namespace vyn
