@@ -1,6 +1,7 @@
 #pragma once
 
 #include <exception>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -109,6 +110,10 @@ class TDataSet : public TComponent {
     bool Locate(const AnsiString& keyFields, const std::vector<Variant>& values, TLocateOptions options = {});
     Variant Lookup(const AnsiString& keyFields, const Variant& value, const AnsiString& resultField);
     Variant Lookup(const AnsiString& keyFields, const std::vector<Variant>& values, const AnsiString& resultField);
+    // Finds as Locate does, and stays, in whatever state: while `look` runs, fields give the values of the record
+    // found.
+    bool LookUp(const AnsiString& keyFields, const Variant& value, TLocateOptions options,
+                const std::function<void()>& look);
     TBookmark GetBookmark() const { return BookmarkOf(current_); }
     // The same of any fetched record; empty beyond them.
     TBookmark BookmarkOf(int64_t record) const;

@@ -145,6 +145,30 @@ Variant TDataSet::Lookup(const AnsiString& keyFields, const std::vector<Variant>
     return row < 0 ? Variant::Null() : field->ValueInRow(row);
 }
 
+bool TDataSet::LookUp(const AnsiString& keyFields, const Variant& value, TLocateOptions options,
+                      const std::function<void()>& look) {
+    CheckActive();
+    const int64_t before = rows_->Count();
+    const int64_t row = FindRow(KeyMatcher(*this, keyFields, {value}, options));
+    if (row < 0) return false;
+    // What was read for this alone is not kept: who only looks records up reads them by the thousand.
+    const int64_t after = rows_->Count();
+    const auto forget = [&] {
+        if (!window_ || row < before || rows_->Count() != after) return;
+        rows_->Truncate(before);
+        if (calculatedRow_ >= before) calculatedRow_ = -1;
+    };
+    try {
+        const RowInFocus focus(*this, row);
+        look();
+    } catch (...) {
+        forget();
+        throw;
+    }
+    forget();
+    return true;
+}
+
 TBookmark TDataSet::BookmarkOf(int64_t record) const {
     const int64_t row = RowOf(record);
     if (row < 0) return {};

@@ -257,6 +257,20 @@ TEST_F(PagedGrid, LookedUpFieldsAskTheEngineOfALargeTable) {
     EXPECT_LT(query.Rows().Count(), 1000);
 }
 
+TEST_F(PagedGrid, RecordsLookedUpAreNotKept) {
+    query.Last();
+    const int64_t rows = query.Rows().Count();
+    AnsiString seen;
+    for (int id = 10000; id < 20000; id += 10)
+        EXPECT_TRUE(query.LookUp("id", Variant(id), {}, [&] { seen = query.FieldByName("nom")->AsString(); }));
+    EXPECT_EQ(seen, "n19990");
+    EXPECT_FALSE(query.LookUp("id", Variant(7), {}, [&] { seen = "nobody"; }));
+    EXPECT_EQ(seen, "n19990");
+    EXPECT_EQ(query.Rows().Count(), rows);
+    EXPECT_EQ(query.FieldByName("id")->AsString(), "1000000");
+    EXPECT_EQ(IdAt(query.CurrentRecord()), "1000000");
+}
+
 TEST_F(PagedGrid, AnErrorWhileShowingIsToldOnceAndMovingTriesAgain) {
     connection.Execute("ALTER TABLE molts RENAME TO altres");
     EXPECT_THROW(grid.ProcessScroll(500000), EDatabaseError);

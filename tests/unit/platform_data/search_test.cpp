@@ -81,6 +81,26 @@ TEST_F(Search, LookupStaysAndGivesNullWhenThereIsNone) {
     EXPECT_EQ(data.RecNo(), 1);
 }
 
+TEST_F(Search, LookUpShowsTheRecordFoundAndStays) {
+    AnsiString seen;
+    data.AfterScroll = [&](TDataSet*) { seen += "scroll "; };
+    const auto look = [&] { seen += data.FieldByName("Id")->AsString() + " "; };
+    EXPECT_TRUE(data.LookUp("Name", Variant("n\xDA"), {loCaseInsensitive, loPartialKey}, look));
+    EXPECT_FALSE(data.LookUp("Name", Variant("zz"), {loPartialKey}, look));
+    EXPECT_EQ(seen, "2 ");
+    EXPECT_EQ(data.RecNo(), 1);
+    // Also while a record is edited, which stays as it is.
+    data.Edit();
+    data.FieldByName("Name")->SetAsString("Half typed");
+    EXPECT_TRUE(data.LookUp("Id", Variant(2), {}, look));
+    EXPECT_EQ(seen, "2 2 ");
+    EXPECT_EQ(data.State(), dsEdit);
+    EXPECT_EQ(data.FieldByName("Name")->AsString(), "Half typed");
+    // What goes wrong while looking passes.
+    EXPECT_THROW(data.LookUp("Id", Variant(2), {}, [] { throw EDatabaseError("no"); }), EDatabaseError);
+    EXPECT_EQ(data.FieldByName("Id")->AsInteger(), 1);
+}
+
 TEST_F(Search, BookmarksSurviveInsertionsAndDeletions) {
     data.Last();
     const TBookmark last = data.GetBookmark();
