@@ -2,6 +2,7 @@
 
 #include "app/Utvynapp.h"
 #include "database/Udb_ado.h"
+#include "datasources/Uvyndatasources.h"
 #include "events/Ucampsbuscar.h"
 #include "events/Ueventsvyn.h"
 #include "events/Utvynsubcons.h"
@@ -30,7 +31,7 @@ constexpr const ClassInfo& (*kFrameworkClasses[])() = {
     &TVynApp::StaticClass,         &TParametres::StaticClass,     &TParametresChild::StaticClass,
     &TParametresList::StaticClass, &TTreeVynLink::StaticClass,    &TQuerySQL::StaticClass,
     &TParserVyn::StaticClass,      &TDataBaseVynADO::StaticClass, &TEventsVyn::StaticClass,
-    &TCampsBuscar::StaticClass,    &TSubConsultes::StaticClass,
+    &TCampsBuscar::StaticClass,    &TSubConsultes::StaticClass,   &TVynDataSource::StaticClass,
 };
 
 void LinkFrameworkClasses() {
@@ -85,11 +86,13 @@ void InitializePackage() {
     InitializeVynRegisteredClasses();
     package_detail::RegisterComponentUnit();
     InitializeDb_ado();
+    InitializeVynDataSources();
 }
 
 void FinalizePackage() {
     if (!package_detail::Running()) return;
     package_detail::Running() = false;
+    FinalizeVynDataSources();
     FinalizeDb_ado();
     package_detail::UnregisterComponentUnit();
     FinalizeVynRegisteredClasses();

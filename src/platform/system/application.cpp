@@ -114,8 +114,16 @@ void TApplication::Idle() {
             port->ProcessEvents();
         return;
     }
-    if (!done || terminated_ || main_queue::Count() > 0) return;
+    if (done && !terminated_) WaitForQueue();
+}
+
+void TApplication::WaitForQueue() {
+    if (main_queue::Count() > 0) return;
     main_queue::Wait(tick_timers::ClockIsReplaced() ? application_detail::kShortWait : tick_timers::UntilNext());
+}
+
+void TApplication::HandleQueue() {
+    if (!DispatchPending()) WaitForQueue();
 }
 
 void TApplication::Run() {

@@ -24,6 +24,9 @@ class TApplication : public TComponent {
     void ProcessMessages();
     // Handles what waits or, when nothing does, tells OnIdle and waits for something.
     void HandleMessage();
+    // The same for the queue and timers alone: what the user types and clicks stays where it is. For those who wait in
+    // the middle of an operation for something that the queue brings.
+    void HandleQueue();
     // Loops until Terminate.
     void Run();
     // Ends Run, and every modal loop, at the next turn.
@@ -88,6 +91,7 @@ class TApplication : public TComponent {
         MessageHook call;
     };
     void Idle();
+    void WaitForQueue();
     bool CallHooks(TMessage& message);
 
     bool terminated_ = false;

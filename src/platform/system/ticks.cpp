@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
+#include <mutex>
 #include <vector>
 
 #include "platform/system/application.h"
 #include "platform/system/main_loop.h"
+#include "platform/system/tick_wait.h"
 
 namespace vyn {
 
@@ -71,11 +74,55 @@ int64_t UntilNext() {
 
 bool ClockIsReplaced() { return theClock.load() != nullptr; }
 
+// Where workers wait; never destroyed, as a worker may still wait while the process ends.
+struct Waits {
+    std::mutex mutex;
+    std::condition_variable changed;
+};
+Waits& TheWaits() {
+    static Waits* waits = new Waits;
+    return *waits;
+}
+
 }  // namespace tick_timers
+
+void TickWait::Until(uint32_t tick) {
+    tick_timers::Waits& waits = tick_timers::TheWaits();
+    std::unique_lock<std::mutex> lock(waits.mutex);
+    for (;;) {
+        const auto left = static_cast<int32_t>(tick - TickCount());
+        if (woken_ || left <= 0) break;
+        if (tick_timers::ClockIsReplaced())
+            waits.changed.wait(lock);
+        else
+            waits.changed.wait_for(lock, std::chrono::milliseconds(left));
+    }
+    woken_ = false;
+}
+
+void TickWait::Wake() {
+    tick_timers::Waits& waits = tick_timers::TheWaits();
+    {
+        const std::lock_guard<std::mutex> lock(waits.mutex);
+        woken_ = true;
+    }
+    waits.changed.notify_all();
+}
+
+void TickClockMoved() {
+    {
+        // Whoever has looked at the clock and not yet begun to wait is waited for.
+        const std::lock_guard<std::mutex> lock(tick_timers::TheWaits().mutex);
+    }
+    tick_timers::TheWaits().changed.notify_all();
+}
 
 uint32_t TickCount() { return static_cast<uint32_t>(tick_timers::Now()); }
 
-void SetTickClock(TickClock* clock) { tick_timers::theClock.store(clock); }
+void SetTickClock(TickClock* clock) {
+    tick_timers::theClock.store(clock);
+    TickClockMoved();
+}
 
 TimerId StartTimer(uint32_t milliseconds, std::function<void()> fire) {
     const TimerId id = ++tick_timers::lastTimer;

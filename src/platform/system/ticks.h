@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 
@@ -18,6 +19,8 @@ class TickClock {
     virtual uint64_t Milliseconds() const = 0;
 };
 void SetTickClock(TickClock* clock);
+// A clock of one's own says that it was moved: workers that wait for a moment (tick_wait.h) look again. Any thread.
+void TickClockMoved();
 
 // A clock that stands until it is moved; it is the system's clock for as long as it lives.
 class ManualTickClock final : public TickClock {
@@ -28,10 +31,13 @@ class ManualTickClock final : public TickClock {
     ManualTickClock& operator=(const ManualTickClock&) = delete;
 
     uint64_t Milliseconds() const override { return now_; }
-    void Advance(uint64_t milliseconds) { now_ += milliseconds; }
+    void Advance(uint64_t milliseconds) {
+        now_ += milliseconds;
+        TickClockMoved();
+    }
 
   private:
-    uint64_t now_;
+    std::atomic<uint64_t> now_;
 };
 
 // Timers of the main thread. A timer that is due fires from ProcessMessages, once however many periods went by, and
