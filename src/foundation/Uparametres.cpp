@@ -109,12 +109,24 @@ void TParametres::SetParametreValue(const AnsiString& name, const Variant& value
         throw EParametresError("Parametre \"" + name + "\" not found");
 }
 
+namespace parametres_detail {
+
+bool IsNameChar(char c) {
+    const char upper = UpperChar(c);
+    return (upper >= '0' && upper <= '9') || (upper >= 'A' && upper <= 'Z') || upper == '_';
+}
+
+}  // namespace parametres_detail
+
+bool TParametres::IsValidName(std::string_view name) {
+    const bool digit = !name.empty() && name[0] >= '0' && name[0] <= '9';
+    return !name.empty() && !digit && std::all_of(name.begin(), name.end(), parametres_detail::IsNameChar);
+}
+
 void TParametres::ValidName(const AnsiString& name) const {
     if (name.empty()) throw EParametresError("NomParametre is null");
     for (char c : name) {
-        const char upper = UpperChar(c);
-        const bool valid = (upper >= '0' && upper <= '9') || (upper >= 'A' && upper <= 'Z') || upper == '_';
-        if (!valid)
+        if (!parametres_detail::IsNameChar(c))
             throw EParametresError(AnsiString("Character \"") + c + "\" is not a valid char in NomParametre " + name);
     }
     if (name[0] >= '0' && name[0] <= '9') throw EParametresError("Parametre " + name + " can't start with " + name[0]);

@@ -53,6 +53,8 @@ class TParametres : public TComponent {
     explicit TParametres(TComponent* owner);
     ~TParametres() override;
 
+    // Whether a parameter can have the name.
+    static bool IsValidName(std::string_view name);
     // Look-ups.
     int FindParam(std::string_view name) const;
     bool ParamExists(std::string_view name) const { return FindParam(name) >= 0; }

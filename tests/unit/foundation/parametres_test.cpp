@@ -45,6 +45,12 @@ TEST_F(TParametresTest, OtherCharactersAreRefused) {
               "EParametresError: Character \" \" is not a valid char in NomParametre 9 a");
 }
 
+TEST_F(TParametresTest, NamesThatParametersCanHaveAreTold) {
+    for (const char* name : {"A", "_x9", "nom_client"}) EXPECT_TRUE(TParametres::IsValidName(name)) << name;
+    for (const char* name : {"", "9a", "a b", "poblaci\xF3", "a-b"})
+        EXPECT_FALSE(TParametres::IsValidName(name)) << name;
+}
+
 TEST_F(TParametresTest, AnExistingNameIsNotChecked) {
     set.AddParam("A", 1);
     TParametresData data = set.GetParamsProps(0);
