@@ -99,33 +99,20 @@ TCustomVynDataSourceAbstract::TCustomVynDataSourceAbstract(TComponent* owner)
 
 TCustomVynDataSourceAbstract::~TCustomVynDataSourceAbstract() { BeginDestruction(); }
 
-void TCustomVynDataSourceAbstract::WndProc(TMessage& message) {
-    if (message.Msg == VYN_MESSAGE_SHOWMODALSEARCH) {
-        const auto& locate = *reinterpret_cast<const TLocateStruct*>(message.LParam);
-        constexpr int kChosen = 1;
-        message.Result = ModalSearch(locate.FieldName, locate.Value) == kChosen ? VynAnswerYes : VynAnswerNo;
-        return;
-    }
-    if (message.Msg != VYN_MESSAGE_TPARAMETRESLIST) return;
-    auto& given = *reinterpret_cast<TParametres*>(message.LParam);
-    message.Result = VynAnswerYes;
-    switch (message.WParam) {
-        case VynParamsRead:
-            LoadParams();
-            given.CopyValues(params_);
-            break;
-        case VynParamsWrite:
-            params_.CopyValues(given);
-            break;
-        case VynParamsMasks:
-            for (int i = 0; i < given.Count(false); ++i) {
-                const AnsiString name = given.GetParamsProps(i).Name;
-                given.SetParametreValue(name, GetParamMask(name));
-            }
-            break;
-        default:
-            message.Result = VynAnswerNo;
-    }
+void TCustomVynDataSourceAbstract::WndProc(TMessage& message) { AnswerLookup(message, *this); }
+
+bool TCustomVynDataSourceAbstract::ChooseRecord(const TLocateStruct& wanted) {
+    return ModalSearch(wanted.FieldName, wanted.Value) == mrOk;
+}
+
+void TCustomVynDataSourceAbstract::ReadValues(TParametres& values) {
+    LoadParams();
+    values.CopyValues(params_);
+}
+
+bool TCustomVynDataSourceAbstract::WriteValues(TParametres& values) {
+    params_.CopyValues(values);
+    return true;
 }
 
 void TCustomVynDataSourceAbstract::OnParamsGetValorPRM(TParametres*, const AnsiString& name, Variant& value) {

@@ -3,6 +3,7 @@
 #include "datasources/component_list.h"
 #include "datasources/data_link.h"
 #include "datasources/data_source_classes.h"
+#include "datasources/lookup_answers.h"
 #include "datasources/messages.h"
 
 namespace vyn {
@@ -51,7 +52,7 @@ class TVynDataSource : public TDataSource {
 
 // A component that answers lookups: it owns the values that it looks up, as parameters, and a window to which links
 // send their messages (datasources/messages.h). Descendants say what the values are. Main thread only.
-class TCustomVynDataSourceAbstract : public TComponent {
+class TCustomVynDataSourceAbstract : public TComponent, private LookupAnswers {
     VYN_OBJECT
   public:
     explicit TCustomVynDataSourceAbstract(TComponent* owner);
@@ -79,6 +80,12 @@ class TCustomVynDataSourceAbstract : public TComponent {
     virtual void WndProc(TMessage& message);
 
   private:
+    // Any record is what its values say: there is none to locate.
+    bool LocateRecord(const TLocateStruct&) override { return false; }
+    bool ChooseRecord(const TLocateStruct& wanted) override;
+    void ReadValues(TParametres& values) override;
+    bool WriteValues(TParametres& values) override;
+    AnsiString MaskOfValue(const AnsiString& name) override { return GetParamMask(name); }
     void OnParamsGetValorPRM(TParametres* params, const AnsiString& name, Variant& value);
     void OnParamsSetValorPRM(TParametres* params, const AnsiString& name, const Variant& value);
 
