@@ -1,7 +1,9 @@
 #include "programs/host/custom_form.h"
 
+#include "datasources/Uvyndatasources.h"
 #include "events/Utvynsubcons.h"
 #include "platform/controls/form_classes.h"
+#include "platform/text/compare.h"
 
 namespace vyn {
 
@@ -24,7 +26,7 @@ void TCustomFRM::WndProc(TMessage& message) {
             component_ = *reinterpret_cast<const TComponentVyn*>(message.LParam);
             break;
         case VYN_AFTERLOAD:
-            GiveNodeToChildScreens();
+            GiveNodeToComponents();
             if (!NodeLoaded()) message.Result = VYN_ABORT;
             break;
         case VYN_OPENED:
@@ -41,27 +43,39 @@ void TCustomFRM::WndProc(TMessage& message) {
     }
 }
 
-void TCustomFRM::GiveNodeToChildScreens() {
+void TCustomFRM::GiveNodeToComponents() {
     for (int i = 0; i < ComponentCount(); ++i) {
-        auto* screens = ObjectCast<TSubConsultes>(Components(i));
-        if (!screens) continue;
-        screens->SetMasterVynApp(vynApp_);
-        screens->MasterIDNode = idNode_;
+        if (auto* screens = ObjectCast<TSubConsultes>(Components(i))) {
+            screens->SetMasterVynApp(vynApp_);
+            screens->MasterIDNode = idNode_;
+        } else if (auto* source = ObjectCast<TVynDataSource>(Components(i))) {
+            if (source->IDNode() == 0) source->SetIDNode(idNode_);
+            if (!source->VynApp()) source->SetVynApp(vynApp_);
+        }
     }
 }
 
 void TCustomFRM::TancarClick(TObject*) { Close(); }
 
-void TCustomFRM::NodeOpened() {
-    if (!Visible()) return;
-    if (WindowState() == wsMinimized) SetWindowState(wsNormal);
-    BringToFront();
-    SetFocus();
+namespace custom_form_detail {
+
+void DropNameless(TRecursosObjecte& resources) {
+    std::erase_if(resources.Fills, [](const TRecursosObjecte& child) { return child.Name.empty(); });
+    for (TRecursosObjecte& child : resources.Fills) DropNameless(child);
 }
 
+}  // namespace custom_form_detail
+
 void TCustomFRM::CleanStored(TRecursosObjecte& resources) {
-    std::erase_if(resources.Fills, [](const TRecursosObjecte& child) { return child.Name.empty(); });
-    for (TRecursosObjecte& child : resources.Fills) TCustomFRM::CleanStored(child);
+    custom_form_detail::DropNameless(resources);
+    // Data sources are given the form's own node each time: one stored form may stand for several nodes.
+    for (int i = 0; i < ComponentCount(); ++i) {
+        const auto* source = ObjectCast<TVynDataSource>(Components(i));
+        if (!source || source->IDNode() != idNode_) continue;
+        if (TRecursosObjecte* stored = ExisteixObjecte(&resources, source->Name(), TotElArbre))
+            std::erase_if(stored->Propietats,
+                          [](const TPropietatObjecte& each) { return SameText(each.Name, "IDNode"); });
+    }
 }
 
 void TCustomFRM::DoClose(TCloseAction& action) {

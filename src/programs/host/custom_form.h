@@ -25,8 +25,9 @@ class TCustomFRM : public TForm {
   protected:
     // The resources are in place and the form is about to be shown; a form may refuse with false.
     virtual bool NodeLoaded() { return true; }
-    // The form was opened, or asked for again while it is open.
-    virtual void NodeOpened();
+    // The form was opened, or asked for again while it is open: perhaps for a lookup, which shows nothing and leaves
+    // the keyboard where it is. Who opens it for the user shows it.
+    virtual void NodeOpened() {}
     // The resources are about to be stored: takes out what the form fills in by itself at run time. The inherited
     // operation takes out components without a name, which no stored form has.
     virtual void CleanStored(TRecursosObjecte& resources);
@@ -34,8 +35,9 @@ class TCustomFRM : public TForm {
     void Notification(TComponent* component, TOperation operation) override;
 
   private:
-    // The form's child screens hang below its node, which the list of open components has only when all is done.
-    void GiveNodeToChildScreens();
+    // The form's child screens, and those that its data sources look values up in, hang below its node, which the list
+    // of open components has only when all is done. What the form stores itself stays.
+    void GiveNodeToComponents();
 
     TVynApp* vynApp_ = nullptr;
     int idNode_ = -1;

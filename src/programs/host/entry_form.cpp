@@ -6,6 +6,7 @@
 #include "platform/controls/form_classes.h"
 #include "platform/controls/labels.h"
 #include "platform/data/update_conflict.h"
+#include "platform/objects/component_handle.h"
 #include "platform/text/compare.h"
 #include "platform/text/exceptions.h"
 #include "platform/text/numbers.h"
@@ -158,8 +159,56 @@ void TFRMDBEntradaDades::EnableButtons() {
     };
     enable("Desar", editing);
     enable("Cancelar", editing);
-    enable("Nou", open && !editing);
-    enable("Eliminar", open && !editing);
+    enable("Nou", open && !editing && !adding_);
+    enable("Eliminar", open && !editing && !adding_);
+    enable("Graella", !adding_);
+    enable("Actualitzar", !adding_);
+}
+
+bool TFRMDBEntradaDades::CanAddRecord() const { return !Visible() && Query() && Query()->CanModify(); }
+
+bool TFRMDBEntradaDades::AddModally(const AnsiString& fieldName, const AnsiString& text) {
+    TDataSet& data = RequireOpen();
+    if (Visible() || data.IsEditing())
+        throw Exception("La pantalla \xAB" + Caption() + "\xBB \xE9s oberta: afegiu-hi el registre, o tanqueu-la.");
+    const int number = TComponent::Handle();
+    adding_ = true;
+    added_ = false;
+    const auto finish = [&] {
+        if (ComponentFromHandle(number) != this) return;
+        adding_ = false;
+        if (data.Active() && data.IsEditing()) data.Cancel();
+        EnableButtons();
+    };
+    try {
+        NouClick(this);
+        TField* field = data.FindField(fieldName);
+        if (data.IsEditing() && field && field->FieldKind() == fkData && field->CanModify() && !text.empty()) {
+            // The beginning of a name, typed in a search line, may be no whole value here.
+            try {
+                field->SetText(text);
+            } catch (const EConvertError&) {
+            } catch (const EDatabaseError&) {
+            }
+        }
+        ShowModal();
+    } catch (...) {
+        finish();
+        throw;
+    }
+    finish();
+    return ComponentFromHandle(number) == this && added_;
+}
+
+void TFRMDBEntradaDades::DoShow() {
+    TFRMDBGrid::DoShow();
+    if (adding_) FocusCard();
+}
+
+void TFRMDBEntradaDades::DoClose(TCloseAction& action) {
+    TFRMDBGrid::DoClose(action);
+    // Whoever asked for a record looks at it afterwards.
+    if (adding_) action = caHide;
 }
 
 void TFRMDBEntradaDades::NouClick(TObject*) {
@@ -169,14 +218,34 @@ void TFRMDBEntradaDades::NouClick(TObject*) {
             dataSet->Append();
             break;
         }
-        auto* card = ObjectCast<TWinControl>(FindComponent("Fitxa"));
-        if (card && card->CanFocus()) card->SelectFirst();
+        FocusCard();
     });
 }
 
-void TFRMDBEntradaDades::DesarClick(TObject*) {
-    Try([this] { Save(); });
+void TFRMDBEntradaDades::FocusCard() {
+    auto* card = ObjectCast<TWinControl>(FindComponent("Fitxa"));
+    if (!card || !card->CanFocus()) return;
+    // What is entered comes before the buttons, wherever the form has them among its controls.
+    const auto* buttons = ObjectCast<TWinControl>(FindComponent("Botons"));
+    for (TWinControl* each : card->GetTabOrderList()) {
+        const bool entered = each->TabStop() && each->CanFocus() && !(buttons && buttons->ContainsControl(each));
+        if (!entered) continue;
+        SetActiveControl(each);
+        return;
+    }
 }
+
+bool TFRMDBEntradaDades::SaveOrTell() {
+    const bool editing = !Edited().empty() && Edited().front()->IsEditing();
+    if (!Try([this] { Save(); })) return false;
+    if (adding_ && editing) {
+        added_ = true;
+        SetModalResult(mrOk);
+    }
+    return true;
+}
+
+void TFRMDBEntradaDades::DesarClick(TObject*) { SaveOrTell(); }
 
 void TFRMDBEntradaDades::CancelarClick(TObject*) {
     Try([this] {
@@ -188,6 +257,7 @@ void TFRMDBEntradaDades::CancelarClick(TObject*) {
         for (TDataSet* dataSet : edited)
             if (dataSet->Active()) dataSet->Refresh();
     });
+    if (adding_ && !added_) SetModalResult(mrCancel);
 }
 
 void TFRMDBEntradaDades::EliminarClick(TObject*) {
@@ -227,7 +297,7 @@ bool TFRMDBEntradaDades::CloseQuery() {
     if (!changed) return true;
     const TModalResult answer =
         MessageDlg("Hi ha canvis sense desar. Els voleu desar?", mtConfirmation, {mbYes, mbNo, mbCancel});
-    if (answer == mrYes) return Try([this] { Save(); });
+    if (answer == mrYes) return SaveOrTell();
     if (answer == mrNo) CancelarClick(this);
     return answer == mrNo;
 }

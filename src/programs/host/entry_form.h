@@ -22,8 +22,17 @@ class TFRMDBEntradaDades : public TFRMDBGrid {
 
     bool CloseQuery() override;
 
+    // Shows the screen modally to add one record, which begins with a text in a field (where there is such a field, and
+    // the text suits it); true when it was saved, and is the current one. Refused with a sentence while the screen is
+    // shown already, or edits something.
+    bool AddModally(const AnsiString& fieldName, const AnsiString& text);
+
   protected:
     bool NodeLoaded() override;
+    void DoShow() override;
+    void DoClose(TCloseAction& action) override;
+    bool CanAddRecord() const override;
+    bool AddRecord(const AnsiString& fieldName, const AnsiString& text) override { return AddModally(fieldName, text); }
     // The datasets that are edited, the one that the others belong to first.
     virtual std::vector<TDataSet*> Edited() const;
     // Does something; gives false and says why when it fails.
@@ -35,11 +44,18 @@ class TFRMDBEntradaDades : public TFRMDBGrid {
   private:
     void ShowMessageText(const AnsiString& text);
     void EnableButtons();
-    // Gives the keyboard to the control of a field.
+    // Gives the keyboard to the card's first control; to the control of a field.
+    void FocusCard();
     void FocusField(const AnsiString& name);
+
+    // Saves what is being edited; a screen that adds one record ends with it.
+    bool SaveOrTell();
 
     // Others changed what is being edited.
     bool outdated_ = false;
+    // The screen adds one record, and has done so.
+    bool adding_ = false;
+    bool added_ = false;
 };
 
 // The same with the rows that belong to the current record ("ConsultaDetall" in "GraellaDetall"), and controls for one

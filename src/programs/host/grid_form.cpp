@@ -1,22 +1,12 @@
 #include "programs/host/grid_form.h"
 
-#include <algorithm>
-
+#include "platform/controls/db_grids.h"
 #include "platform/controls/form_classes.h"
-#include "platform/controls/labels.h"
-#include "platform/controls/status_bars.h"
-#include "platform/text/compare.h"
-#include "platform/text/exceptions.h"
-#include "platform/text/numbers.h"
-#include "programs/host/entry_buttons.h"
-#include "query/Uquerysql.h"
 
 namespace vyn {
 
 const ClassInfo& TFRMDBGrid::StaticClass() {
-    static const ClassInfo info = DefineForm<TFRMDBGrid, TCustomFRM>("TFRMDBGrid")
-                                      .Method("FontDataChange", &TFRMDBGrid::FontDataChange)
-                                      .Method("ActualitzarClick", &TFRMDBGrid::ActualitzarClick);
+    static const ClassInfo info = DefineForm<TFRMDBGrid, TFRMSQLGeneric>("TFRMDBGrid");
     return info;
 }
 
@@ -30,100 +20,6 @@ const ClassInfo& TFRMDBGridMD::StaticClass() {
     return info;
 }
 
-TFRMDBGrid::~TFRMDBGrid() {
-    BeginDestruction();
-    DestroyComponents();
-}
-
-TCustomADODataSet* TFRMDBGrid::Query() const { return ObjectCast<TCustomADODataSet>(FindComponent("Consulta")); }
-
-bool TFRMDBGrid::NodeLoaded() {
-    if (VynApp() && IDNode() > 0) {
-        const TNodeArbre node = VynApp()->Tree().GetIDNode(IDNode());
-        SetCaption(node.Name);
-        if (auto* title = ObjectCast<TLabel>(FindComponent("Titol"))) title->SetCaption(PlainCaption(node.Name));
-    }
-    OpenQueries();
-    return true;
-}
-
-std::vector<TQuerySQL*> TFRMDBGrid::Queries() const {
-    std::vector<TQuerySQL*> queries;
-    for (int i = 0; i < ComponentCount(); ++i)
-        if (auto* query = ObjectCast<TQuerySQL>(Components(i))) queries.push_back(query);
-    return queries;
-}
-
-void TFRMDBGrid::OpenQueries() {
-    try {
-        for (TQuerySQL* query : Queries()) {
-            const bool open = query->QryDataSet() && query->QryDataSet()->Active();
-            // Those that are open keep their place, and masters refresh the queries below them.
-            if (!open)
-                query->CreaSQL();
-            else if (!query->QrySQLMaster())
-                query->RefrescaSQL();
-        }
-        OpenConsulta();
-    } catch (const EAbort&) {
-        throw;
-    } catch (const Exception& error) {
-        ShowStatus(error.Message());
-    }
-}
-
-// The dataset with a statement of its own.
-void TFRMDBGrid::OpenConsulta() {
-    TCustomADODataSet* query = Query();
-    if (!query || query->Active()) return;
-    const auto* statement = ObjectCast<TADOQuery>(query);
-    if (statement && Trim(statement->SQL()->Text()).empty()) return;
-    query->Open();
-}
-
-void TFRMDBGrid::ActualitzarClick(TObject*) {
-    TCustomADODataSet* consulta = Query();
-    if (!consulta) return;
-    const auto queries = Queries();
-    const bool located = std::any_of(queries.begin(), queries.end(), [&](const TQuerySQL* query) {
-        return query->QryDataSet() == consulta && query->LocateOnRefresh;
-    });
-    const int64_t record = consulta->Active() ? consulta->CurrentRecord() : 0;
-    if (queries.empty()) consulta->Close();
-    OpenQueries();
-    if (!located && consulta->Active()) consulta->SetCurrentRecord(record);
-}
-
-void TFRMDBGrid::FontDataChange(TObject*, TField*) {
-    const TCustomADODataSet* query = Query();
-    if (!query || !query->Active()) {
-        ShowStatus({});
-        return;
-    }
-    // Of a large table the engine's own estimate.
-    const AnsiString count = query->AllFetched() ? IntToStr(query->RecordsFetched())
-                             : query->IsPaged()  ? "~" + IntToStr(query->RecordsExpected())
-                                                 : IntToStr(query->RecordsFetched()) + "+";
-    ShowStatus("Registre " + IntToStr(query->RecNo()) + " de " + count);
-}
-
-void TFRMDBGrid::ShowStatus(const AnsiString& text) {
-    if (auto* bar = ObjectCast<TStatusBar>(FindComponent("Estat"))) bar->SetSimpleText(text);
-}
-
-void TFRMDBGrid::CleanStored(TRecursosObjecte& resources) {
-    TCustomFRM::CleanStored(resources);
-    // What the node and its records say is found again each time.
-    const auto forget = [&](TRecursosObjecte* object, const char* property) {
-        if (object)
-            std::erase_if(object->Propietats,
-                          [&](const TPropietatObjecte& each) { return SameText(each.Name, property); });
-    };
-    forget(&resources, "Caption");
-    forget(ExisteixObjecte(&resources, "Titol", TotElArbre), "Caption");
-    forget(ExisteixObjecte(&resources, "Estat", TotElArbre), "SimpleText");
-    for (const char* dataSet : {"Consulta", "ConsultaDetall"})
-        forget(ExisteixObjecte(&resources, dataSet, TotElArbre), "Active");
-}
+TCustomDBGrid* TFRMDBGrid::List() const { return ObjectCast<TCustomDBGrid>(FindComponent("Graella")); }
 
 }  // namespace vyn

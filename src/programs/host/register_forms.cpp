@@ -14,8 +14,8 @@ namespace host_classes_detail {
 
 // Node types whose own windows are still to come: each opens as its ancestor does, under its own name.
 constexpr const char* kPlainForms[] = {
-    "TFRMSQLGeneric",   "TFRMBarraBotons", "TFRMDBQR",        "TFRMAjudaVyn", "TFRMDBQRAutomatic",
-    "TFRMSelNodeAcces", "TFRMCalendari",   "TFRMExecutaCodi", "TFRMNumeric",  "TFRMDBArbre",
+    "TFRMBarraBotons", "TFRMDBQR",        "TFRMAjudaVyn", "TFRMDBQRAutomatic", "TFRMSelNodeAcces",
+    "TFRMCalendari",   "TFRMExecutaCodi", "TFRMNumeric",  "TFRMDBArbre",
 };
 constexpr size_t kPlainFormCount = sizeof kPlainForms / sizeof kPlainForms[0];
 
@@ -50,6 +50,7 @@ void RegisterHostForms() {
     RegisterForm<TFRMtnAplicacio>();
     RegisterForm<TCustomFRM>();
     RegisterForm<TFRMMenu>();
+    RegisterForm<TFRMSQLGeneric>();
     RegisterForm<TFRMDBGrid>();
     RegisterForm<TFRMDBGridTotals>();
     RegisterForm<TFRMDBGridMD>();

@@ -167,7 +167,10 @@ TComponent& Session::OpenUnguarded(int idNode) {
 
 void Session::OpenNode(int idNode) {
     TComponent* component = app_->ObreComponent(idNode, Application());
-    if (auto* form = ObjectCast<TCustomForm>(component)) form->Show();
+    auto* form = ObjectCast<TCustomForm>(component);
+    if (!form) return;
+    if (form->WindowState() == wsMinimized) form->SetWindowState(wsNormal);
+    form->Show();
 }
 
 int Session::GuardOf(int idNode) {

@@ -1,6 +1,7 @@
 // What the host's forms give to the components that stand on them.
 #include <gtest/gtest.h>
 
+#include "datasources/Uvyndatasources.h"
 #include "events/Utvynsubcons.h"
 #include "package/package.h"
 #include "platform/streams/text_form.h"
@@ -54,4 +55,24 @@ TEST_F(HostForm, ChildScreensKnowApplicationAndNode) {
     EXPECT_EQ(ObjectCast<TCustomFRM>(orders)->Caption(), "Orders");
     EXPECT_EQ(ObjectCast<TCustomFRM>(orders)->IDNode(), 2);
     EXPECT_EQ(orders->Owner(), customers);
+}
+
+TEST_F(HostForm, DataSourcesKnowApplicationAndNodeUnlessTheFormSaysOtherwise) {
+    Store(1, 0,
+          "object Orders: TCustomFRM\n  object Own: TVynDataSource\n  end\n  object Other: TVynDataSource\n"
+          "    IDNode = 7\n  end\nend\n");
+    auto* orders = ObjectCast<TCustomFRM>(app->ObreComponent(1, nullptr));
+    const auto* own = ObjectCast<TVynDataSource>(orders->FindComponent("Own"));
+    const auto* other = ObjectCast<TVynDataSource>(orders->FindComponent("Other"));
+    EXPECT_EQ(own->VynApp(), app.get());
+    EXPECT_EQ(own->IDNode(), 1);
+    EXPECT_EQ(other->VynApp(), app.get());
+    EXPECT_EQ(other->IDNode(), 7);
+    // The node that it was given is not stored: the stored form may stand for several nodes.
+    app->GrabaResourceTComponent(orders, 1, orders->Component());
+    const auto stored = app->Components().GetStreamComponent(1);
+    stored->SetPosition(0);
+    const std::string form = BinaryToText(*stored);
+    EXPECT_EQ(form.find("IDNode = 1\n"), std::string::npos) << form;
+    EXPECT_NE(form.find("IDNode = 7\n"), std::string::npos) << form;
 }
