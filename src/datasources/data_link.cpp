@@ -3,6 +3,7 @@
 #include "datasources/Uvyndatasources.h"
 #include "platform/controls/win_control.h"
 #include "platform/data/data_set.h"
+#include "platform/system/application.h"
 #include "platform/system/ticks.h"
 #include "platform/text/compare.h"
 #include "platform/text/exceptions.h"
@@ -194,15 +195,20 @@ void TVynDataLink::SetFieldValue(const Variant& value) {
     ValueTaken(value);
 }
 
+// The value is taken by now: a rule that fails is told, and does not keep the user in the control.
 void TVynDataLink::ValueTaken(const Variant& value) {
     if (TVynDataSource* source = VynDataSource()) source->OnVynDataLinkNewValue(this, value);
     TComponent* form = Control ? Control->Owner() : nullptr;
     if (!form || ExecuteEventName.empty()) return;
     const AnsiString name = ExecuteEventName;
-    for (int i = 0; i < form->ComponentCount(); ++i)
-        if (auto* runner = dynamic_cast<EventRunner*>(form->Components(i)))
-            if (runner->RunEvent(name, Control)) return;
-    throw Exception("The event " + name + " is not among the rules of the form " + form->Name());
+    try {
+        for (int i = 0; i < form->ComponentCount(); ++i)
+            if (auto* runner = dynamic_cast<EventRunner*>(form->Components(i)))
+                if (runner->RunEvent(name, Control)) return;
+        throw Exception("The event " + name + " is not among the rules of the form " + form->Name());
+    } catch (...) {
+        Application()->HandleException(nullptr);
+    }
 }
 
 void TVynDataLink::SetRelationedFields(const TStrings* value) {
