@@ -1,6 +1,7 @@
 #include "datasources/component_list.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "datasources/Uvyndatasources.h"
 #include "datasources/search_thread.h"
@@ -25,18 +26,20 @@ void ShowError(const char* where, const std::exception& error) {
     Application()->MessageBox(AnsiString(where) + error.what(), "ERROR", MB_OK);
 }
 
-// How many messages to components are being answered.
-int& AskingDepth() {
-    static int depth = 0;
-    return depth;
+// How many questions to components are open, and the components (by number) that are to go when the last is answered:
+// one must not go while its own message handler, which may be a modal search, still stands on the stack.
+struct OpenQuestions {
+    int Count = 0;
+    std::vector<int> ToFree;
+};
+OpenQuestions& Questions() {
+    static OpenQuestions questions;
+    return questions;
 }
 
-intptr_t Ask(HWND handle, uint32_t message, intptr_t wParam, void* what) {
-    struct Depth {
-        Depth() { ++AskingDepth(); }
-        ~Depth() { --AskingDepth(); }
-    } const depth;
-    return SendMessage(handle, message, wParam, reinterpret_cast<intptr_t>(what));
+void QuestionAnswered() {
+    if (--Questions().Count > 0) return;
+    for (const int handle : std::exchange(Questions().ToFree, {})) delete ComponentFromHandle(handle);
 }
 
 // Another cursor for as long as it lives.
@@ -197,11 +200,10 @@ void TVynComponentList::FreeComponent(const TVynComponent& record) {
     TComponent* component = record.Component;
     if (!component || IndexOfComponent(component) >= 0) return;
     if (record.Key.Type == dlt_Search && component->Owner() != source_->NewComponentsOwner()) return;
-    if (AskingDepth() == 0) {
+    if (Questions().Count > 0)
+        Questions().ToFree.push_back(component->Handle());
+    else
         delete component;
-        return;
-    }
-    TThread::Queue([handle = component->Handle()] { delete ComponentFromHandle(handle); });
 }
 
 void TVynComponentList::ComponentFreed(const TComponent* component) {
@@ -424,6 +426,14 @@ bool TVynComponentList::Locate(TVynComponent& record, const AnsiString& name, co
     TParametres wanted(nullptr);
     wanted.AddParam(name, value);
     return Ask(record.Handle, VYN_MESSAGE_TPARAMETRESLIST, VynParamsWrite, &wanted) != VynAnswerNo;
+}
+
+intptr_t TVynComponentList::Ask(HWND handle, uint32_t message, intptr_t wParam, void* what) {
+    struct Question {
+        Question() { ++Questions().Count; }
+        ~Question() { QuestionAnswered(); }
+    } const question;
+    return SendMessage(handle, message, wParam, reinterpret_cast<intptr_t>(what));
 }
 
 bool TVynComponentList::FetchValues(TVynComponent& record) {

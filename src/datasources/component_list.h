@@ -113,6 +113,9 @@ class TVynComponentList {
 
     // What a control shows for the link; asks for the component.
     void GetShowValue(TVynDataLink* link, AnsiString& text);
+    // Sends a component a message of datasources/messages.h. What answers it stays until it has answered, even when the
+    // lookup goes meanwhile.
+    static intptr_t Ask(HWND handle, uint32_t message, intptr_t wParam, void* what);
     // Fetches the values of the record's component; false when it has none or does not answer.
     bool FetchValues(TVynComponent& record);
     // A component is going: its records let go of it and want it made again.

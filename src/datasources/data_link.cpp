@@ -106,8 +106,7 @@ bool TVynDataLink::GetChildParams(TStrings& names) const {
     TVynComponent* record = list ? list->RecordOf(this) : nullptr;
     if (!record || record->State != vyncs_available) return false;
     TParametres values(nullptr);
-    if (SendMessage(record->Handle, VYN_MESSAGE_TPARAMETRESLIST, VynParamsRead, reinterpret_cast<intptr_t>(&values)) ==
-        VynAnswerNo)
+    if (TVynComponentList::Ask(record->Handle, VYN_MESSAGE_TPARAMETRESLIST, VynParamsRead, &values) == VynAnswerNo)
         return false;
     for (int i = 0; i < values.Count(false); ++i) names.Add(values.GetParamsProps(i).Name);
     return true;
@@ -301,8 +300,8 @@ AnsiString TVynDataLink::FieldEditMask() const {
     if (type_ != dlt_Class || !record || record->Handle == 0 || childDataShow_.empty()) return AnsiString();
     TParametres masks(nullptr);
     masks.AddParam(childDataShow_, AnsiString());
-    const bool answered = SendMessage(record->Handle, VYN_MESSAGE_TPARAMETRESLIST, VynParamsMasks,
-                                      reinterpret_cast<intptr_t>(&masks)) != VynAnswerNo;
+    const bool answered =
+        TVynComponentList::Ask(record->Handle, VYN_MESSAGE_TPARAMETRESLIST, VynParamsMasks, &masks) != VynAnswerNo;
     return answered ? VarToStr(masks.GetParametreValue(childDataShow_)) : AnsiString();
 }
 
@@ -365,8 +364,8 @@ void TVynDataLink::ShowModalSearch(const AnsiString& text, bool modified, bool e
     TVynComponent* record = TVynComponentList::IsLive(list) ? list->RecordOf(this) : nullptr;
     if (!record || record->State != vyncs_available) return;
     TLocateStruct locate{childDataShow_, text, modified, extra, true};
-    const bool accepted = SendMessage(record->Handle, VYN_MESSAGE_SHOWMODALSEARCH, VynLocateWParam,
-                                      reinterpret_cast<intptr_t>(&locate)) != VynAnswerNo;
+    const bool accepted =
+        TVynComponentList::Ask(record->Handle, VYN_MESSAGE_SHOWMODALSEARCH, VynLocateWParam, &locate) != VynAnswerNo;
     if (!TVynComponentList::IsLive(list) || list->RecordOf(this) != record) return;
     if (!accepted) {
         FollowSource();

@@ -1,6 +1,8 @@
 // What may go wrong in the middle of a lookup: each time the link ends in a state, nothing leaks, no thread stays.
 #include <dirent.h>
 
+#include <thread>
+
 #include "lookup_fixtures.h"
 
 using namespace lookup_fixtures;
@@ -18,6 +20,11 @@ int ThreadsOfTheProcess() {
 
 class LookupFaults : public LookupTest {
   protected:
+    void SetUp() override {
+        LookupTest::SetUp();
+        // A checker of threads begins one of its own with the first.
+        std::thread([] {}).join();
+    }
     // A search that waits for its deadline.
     void BeginSearch() {
         Ready();
