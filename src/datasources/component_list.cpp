@@ -442,7 +442,13 @@ bool TVynComponentList::FetchValues(TVynComponent& record) {
     TParametres values(nullptr);
     const HWND handle = record.Handle;
     const bool answered = Ask(handle, VYN_MESSAGE_TPARAMETRESLIST, VynParamsRead, &values) != VynAnswerNo;
-    if (answered && IsLive(this) && IsRecord(&record)) record.Values.CopyValues(values);
+    if (answered && IsLive(this) && IsRecord(&record)) {
+        // What the component no longer has is none, not what it was.
+        const auto names = record.Values.GetParametresNames();
+        for (int i = 0; i < names->Count(); ++i)
+            if (!values.ParamExists(names->At(i))) record.Values.SetParametreValue(names->At(i), Variant::Null());
+        record.Values.CopyValues(values);
+    }
     return answered;
 }
 

@@ -280,7 +280,7 @@ void TVynDataLink::SetDisplayText(const AnsiString& text) {
     }
     const auto shown = [&] { return VarToStr(ValueOf(record->Values, childDataShow_, Variant())); };
     const bool found = (record->State == vyncs_available && AnsiSameText(shown(), text)) ||
-                       list->SearchNow(this, childDataShow_, text);
+                       (list->SearchNow(this, childDataShow_, text) && !shown().empty());  // classes always answer
     if (!TVynComponentList::IsLive(list) || list->RecordOf(this) != record) return;
     if (childDataKey_.empty()) {
         // Nobody is made to choose: what is there is taken as it is spelt there, anything else as it was typed.

@@ -130,6 +130,18 @@ TEST_F(LookupTest, ABeginningStoresTheFirstThatBeginsSo) {
     EXPECT_EQ(Shown(), "Abad");
 }
 
+TEST_F(LookupTest, AClassThatAnswersWithoutAValueHasNotFoundTheText) {
+    link = MakeLink();
+    link->SetVynDataLinkType(dlt_Class);
+    link->SetChildClassName("Customers");
+    EXPECT_FALSE(link->HasComponent());
+    Settle();
+    EXPECT_EQ(Shown(), "García"_w);
+    orders->Edit();
+    EXPECT_EQ(ErrorOf([&] { link->SetDisplayText("Zola"); }).substr(0, 14), "EDatabaseError");
+    EXPECT_EQ(orders->FieldByName("Customer")->AsInteger(), 3);
+}
+
 TEST_F(LookupTest, ATextThatIsNotThereIsRefusedAndChangesNothing) {
     Ready();
     orders->Edit();
