@@ -1,6 +1,7 @@
 #include "package/package.h"
 
 #include "app/Utvynapp.h"
+#include "controls/Uvyneditbox.h"
 #include "database/Udb_ado.h"
 #include "datasources/Uvyndatasources.h"
 #include "events/Ucampsbuscar.h"
@@ -32,19 +33,21 @@ constexpr const ClassInfo& (*kFrameworkClasses[])() = {
     &TParametresList::StaticClass, &TTreeVynLink::StaticClass,    &TQuerySQL::StaticClass,
     &TParserVyn::StaticClass,      &TDataBaseVynADO::StaticClass, &TEventsVyn::StaticClass,
     &TCampsBuscar::StaticClass,    &TSubConsultes::StaticClass,   &TVynDataSource::StaticClass,
+    &TBaseVynEditBox::StaticClass, &TVynEditBox::StaticClass,
 };
 
 void LinkFrameworkClasses() {
     for (const auto& classOf : kFrameworkClasses) AddLinkedClass(&classOf());
 }
 
-// Classes of the platform that forms need and no palette lists: what stands between data and controls, popup menus.
+// Classes that forms need and no palette lists: what stands between data and controls, lookup boxes, popup menus.
 void RegisterUnlistedClasses() {
     for (TClass each : LinkedClasses()) {
         const bool isData =
             each->InheritsFrom(&TField::StaticClass()) || each->InheritsFrom(&TDataSource::StaticClass()) ||
             each->InheritsFrom(&TADOConnection::StaticClass()) || each->InheritsFrom(&TDataBaseVyn::StaticClass());
-        if (isData || each->Name() == "TPopupMenu") RegisterClass(each);
+        if (isData || each->InheritsFrom(&TBaseVynEditBox::StaticClass()) || each->Name() == "TPopupMenu")
+            RegisterClass(each);
     }
 }
 

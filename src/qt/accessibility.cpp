@@ -4,7 +4,9 @@
 #include <QAccessibleWidget>
 #include <QApplication>
 #include <QWidget>
+#include <functional>
 
+#include "controls/base_edit_box.h"
 #include "platform/controls/bit_buttons.h"
 #include "platform/controls/db_lookups.h"
 #include "platform/controls/groups.h"
@@ -29,7 +31,6 @@ namespace accessibility_detail {
 QAccessible::Role RoleOf(const TControl& control) {
     if (ObjectCast<TCustomLabel>(&control) || ObjectCast<TCustomStaticText>(&control)) return QAccessible::StaticText;
     if (ObjectCast<TImage>(&control)) return QAccessible::Graphic;
-    if (ObjectCast<TSpeedButton>(&control) || ObjectCast<TToolButton>(&control)) return QAccessible::Button;
     if (ObjectCast<TCustomGroupBox>(&control)) return QAccessible::Grouping;
     if (ObjectCast<TCustomPanel>(&control)) return QAccessible::Pane;
     if (ObjectCast<TStatusBar>(&control)) return QAccessible::StatusBar;
@@ -38,6 +39,32 @@ QAccessible::Role RoleOf(const TControl& control) {
     if (ObjectCast<TTabSheet>(&control)) return QAccessible::Pane;
     return QAccessible::NoRole;
 }
+
+// What a press does to a button that we draw ourselves; empty for everything else.
+std::function<void()> PressOf(TControl& control) {
+    if (auto* speed = ObjectCast<TSpeedButton>(&control)) return [speed] { speed->ProcessPress(); };
+    if (auto* tool = ObjectCast<TToolButton>(&control)) return [tool] { tool->ProcessPress(); };
+    if (auto* inside = ObjectCast<TVynEditBoxSpeedButton>(&control)) return [inside] { inside->Click(); };
+    return {};
+}
+
+// Such a button can be pressed, as any other.
+class PressedInterface final : public QAccessibleWidget {
+  public:
+    PressedInterface(QWidget* widget, TControl& button)
+        : QAccessibleWidget(widget, QAccessible::Button), button_(button) {}
+    QStringList actionNames() const override {
+        return widget()->isEnabled() ? QStringList{pressAction()} : QStringList{};
+    }
+    void doAction(const QString& action) override {
+        const auto* link = dynamic_cast<PeerLink*>(widget());
+        if (action != pressAction() || !widget()->isEnabled() || !link || !link->Peer()) return;
+        Guard(&button_, PressOf(button_));
+    }
+
+  private:
+    TControl& button_;  // while the widget has a peer
+};
 
 // A combo box that we draw ourselves says what it shows.
 class LookupComboInterface final : public QAccessibleWidget {
@@ -100,6 +127,7 @@ QAccessibleInterface* MakeInterface(const QString& className, QObject* object) {
     if (QAccessibleInterface* rows = MakeRowsInterface(widget)) return rows;
     if (QAccessibleInterface* grid = MakeGridInterface(widget)) return grid;
     if (const auto* box = ObjectCast<TDBLookupComboBox>(&peer.Control())) return new LookupComboInterface(widget, *box);
+    if (PressOf(peer.Control())) return new PressedInterface(widget, peer.Control());
     const QAccessible::Role role = RoleOf(peer.Control());
     return role == QAccessible::NoRole ? nullptr : new QAccessibleWidget(widget, role);
 }

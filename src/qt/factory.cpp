@@ -74,6 +74,7 @@ PeerFactory& StandardPeerFactory() {
         RegisterFormPeers();
         RegisterLabelPeers();
         RegisterEditPeers();
+        RegisterEditBoxPeers();
         RegisterMemoPeers();
         RegisterButtonPeers();
         RegisterBitButtonPeers();

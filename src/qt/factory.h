@@ -25,6 +25,7 @@ PeerFactory& StandardPeerFactory();
 void RegisterFormPeers();
 void RegisterLabelPeers();
 void RegisterEditPeers();
+void RegisterEditBoxPeers();
 void RegisterMemoPeers();
 void RegisterButtonPeers();
 void RegisterBitButtonPeers();

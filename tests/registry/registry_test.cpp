@@ -81,6 +81,8 @@ const Reasons kKeepNothing = {
     {"TEdit.Height", "its size follows its font"},
     {"TMaskEdit.Height", "its size follows its font"},
     {"TDBEdit.Height", "its size follows its font"},
+    {"TBaseVynEditBox.Height", "its size follows its font"},
+    {"TVynEditBox.Height", "its size follows its font"},
     {"TStaticText.Width", "its size follows its text"},
     {"TStaticText.Height", "its size follows its text"},
     {"TSplitter.Left", "its alignment decides"},

@@ -50,6 +50,8 @@ class ControlPeer {
     // True when the native widget edits text by itself and reports what the user did (TCustomEdit::PeerChanged);
     // else the control does the editing, from the keys that it is fed.
     virtual bool EditsText() const { return false; }
+    // An input method has given text that is not committed yet.
+    virtual bool IsComposing() const { return false; }
     // The control's client origin on the screen, when the toolkit knows better than the sum of the parents' places.
     virtual bool ClientOrigin(TPoint& origin) const { return false; }
     // The size that the native widget would like; {0, 0} leaves it to the control.

@@ -41,15 +41,19 @@ class TCustomEdit : public TWinControl {
     bool AutoSelect() const { return autoSelect_; }
     void SetAutoSelect(bool value) { autoSelect_ = value; }
     TBorderStyle BorderStyle() const { return borderStyle_; }
-    void SetBorderStyle(TBorderStyle value);
+    virtual void SetBorderStyle(TBorderStyle value);
     TEditCharCase CharCase() const { return charCase_; }
     void SetCharCase(TEditCharCase value);
     bool HideSelection() const { return hideSelection_; }
     void SetHideSelection(bool value);
     int MaxLength() const { return maxLength_; }
-    void SetMaxLength(int value);
+    virtual void SetMaxLength(int value);
     // The bound in force; 0: none.
     virtual int MostCharacters() const { return maxLength_; }
+    // What the text keeps clear of inside the frame, in pixels.
+    virtual int RightTextMargin() const { return 0; }
+    // An input method is in the middle of a text that has not been committed: nothing else may be put in place.
+    bool IsComposing() const { return peer_ && peer_->IsComposing(); }
     bool OEMConvert = false;
     char PasswordChar() const { return passwordChar_; }
     void SetPasswordChar(char value);

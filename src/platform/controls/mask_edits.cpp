@@ -59,6 +59,11 @@ void TCustomMaskEdit::ValidateEdit() {
                        "changes back");
 }
 
+void TCustomMaskEdit::CheckCursor() {
+    if (!IsMasked() || SelLength() > 0) return;
+    if (const int place = mask_.Next(SelStart()); place < mask_.Length()) SetSelStart(place);
+}
+
 void TCustomMaskEdit::Reset() {
     SetEditText(entered_);
     SelectAll();

@@ -32,6 +32,8 @@ class TCustomMaskEdit : public TCustomEdit {
     // Raises EDBEditError, with the caret at the place at fault, when a place that must be filled is empty. A value
     // that is empty altogether passes: whether there must be one is not the mask's affair.
     void ValidateEdit();
+    // The caret stands at a place that takes a character, when there is one.
+    void CheckCursor();
     // Escape: the text is as it was when the control was entered.
     virtual void Reset();
 
