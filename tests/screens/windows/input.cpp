@@ -5,24 +5,13 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QTest>
-#include <QWidget>
 
 #include "platform/system/application.h"
 #include "platform/text/windows1252.h"
 #include "qt/application.h"
-#include "qt/widget_peer.h"
+#include "screens/window_of.h"
 
 namespace vyn::screens {
-
-namespace {
-
-QWidget* WidgetOf(const TControl& control) {
-    qt::WidgetPeer* peer = qt::PeerOfControl(&control);
-    if (!peer) throw Exception("the control has no window");
-    return peer->FocusTarget();
-}
-
-}  // namespace
 
 void TypeInto(TCustomEdit& edit, const AnsiString& text) {
     // Coming to it comes first: a field may be edited as another text than it is shown.
@@ -47,16 +36,9 @@ void ChooseIn(TWinControl& box, const AnsiString& text) {
     QTest::keyClick(WidgetOf(box), Qt::Key_Return);
 }
 
-// A button that nobody has come to yet is a picture on the window that it stands in.
 void ClickOn(TWinControl& button) {
-    QPoint place(button.Width() / 2, button.Height() / 2);
-    for (const TControl* at = &button; at; at = at->Parent()) {
-        qt::WidgetPeer* peer = qt::PeerOfControl(at);
-        QWidget* widget = !peer ? nullptr : at == &button ? peer->FocusTarget() : peer->ClientWidget();
-        if (widget) return QTest::mouseClick(widget, Qt::LeftButton, {}, place);
-        place += QPoint(at->Left(), at->Top());
-    }
-    throw Exception("the button has no window");
+    const auto [widget, place] = MiddleOf(button);
+    QTest::mouseClick(widget, Qt::LeftButton, {}, place);
 }
 
 void PressDown(TWinControl& control) { QTest::keyClick(WidgetOf(control), Qt::Key_Down); }

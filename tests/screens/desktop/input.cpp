@@ -1,0 +1,134 @@
+#include "screens/input.h"
+
+#include <gtest/gtest.h>
+
+#include <QAbstractNativeEventFilter>
+#include <QApplication>
+#include <QTest>
+#include <map>
+
+#include "display.h"
+#include "platform/system/application.h"
+#include "platform/text/windows1252.h"
+#include "qt/application.h"
+#include "screens/window_of.h"
+
+namespace vyn::screens {
+
+namespace {
+
+constexpr int kLongestWait = 20000;  // milliseconds, before a window that does not come is an error
+
+// Hears when the key that stands behind all others has been let go: then everything before it was handled.
+class LastKey : public QAbstractNativeEventFilter {
+  public:
+    static constexpr char kName[] = "Pause";
+    bool nativeEventFilter(const QByteArray& type, void* message, qintptr*) override {
+        // The server's own record: the kind of event, then the number of the key.
+        constexpr uint8_t kKeyRelease = 3, kPauseKey = 127;
+        const auto* record = static_cast<const uint8_t*>(message);
+        if (type == "xcb_generic_event_t" && (record[0] & 0x7F) == kKeyRelease && record[1] == kPauseKey) ++Count;
+        return false;
+    }
+    int Count = 0;
+};
+
+// Does something from outside and waits until its events, and all that follow from them, were handled.
+void Outside(std::vector<std::string> words) {
+    static LastKey* last = nullptr;
+    if (!last) {
+        last = new LastKey;
+        QCoreApplication::instance()->installNativeEventFilter(last);
+    }
+    const int before = last->Count;
+    words.insert(words.begin(), "xdotool");
+    for (const char* word : {"key", "--delay", "0", LastKey::kName}) words.emplace_back(word);
+    RunProgram(words);
+    if (!QTest::qWaitFor([&] { return last->Count > before; }, kLongestWait)) throw Exception("no keys came");
+}
+
+void BringToFront(QWidget* widget) {
+    QWidget* window = widget->window();
+    window->activateWindow();
+    if (!QTest::qWaitForWindowActive(window, kLongestWait)) throw Exception("the window did not come to the front");
+}
+
+// The keys of a Spanish keyboard for a character: letters with accents have dead keys before them.
+void AddKeys(QChar character, std::vector<std::string>& keys) {
+    static const std::map<ushort, const char*> dead = {
+        {0x300, "dead_grave"}, {0x301, "dead_acute"}, {0x308, "dead_diaeresis"}};
+    static const std::map<ushort, const char*> named = {{' ', "space"},     {'.', "period"},   {',', "comma"},
+                                                        {'&', "ampersand"}, {'-', "minus"},    {'/', "slash"},
+                                                        {0xF1, "ntilde"},   {0xE7, "ccedilla"}};
+    const QString parts = character.decomposition();
+    const auto accent = dead.find(parts.size() == 2 ? parts.at(1).unicode() : ushort{0});
+    const auto name = named.find(character.unicode());
+    if (name != named.end()) {
+        keys.emplace_back(name->second);
+    } else if (accent != dead.end()) {
+        keys.emplace_back(accent->second);
+        keys.emplace_back(1, parts.at(0).toLatin1());
+    } else {
+        keys.emplace_back(1, character.toLatin1());
+    }
+}
+
+// The toolkit hears of a composed letter before the keys that still wait in its queue, so those are let through first;
+// nobody types that fast.
+void Press(TWinControl& control, const std::vector<std::string>& keys) {
+    BringToFront(WidgetOf(control));
+    if (control.CanFocus()) control.SetFocus();
+    const std::vector<std::string> press = {"key", "--delay", "0"};
+    std::vector<std::string> words = press;
+    for (const std::string& key : keys) {
+        if (key.starts_with("dead_") && words != press) {
+            Outside(words);
+            words = press;
+        }
+        words.push_back(key);
+    }
+    Outside(words);
+}
+
+std::vector<std::string> KeysOf(const AnsiString& text) {
+    std::vector<std::string> keys;
+    for (const QChar each : QString::fromStdString(AnsiToUtf8(text))) AddKeys(each, keys);
+    return keys;
+}
+
+}  // namespace
+
+void TypeInto(TCustomEdit& edit, const AnsiString& text) {
+    std::vector<std::string> keys = KeysOf(text);
+    if (text.empty()) keys.emplace_back("Delete");
+    keys.insert(keys.begin(), "ctrl+a");
+    Press(edit, keys);
+}
+
+void ChooseIn(TWinControl& box, const AnsiString& text) {
+    std::vector<std::string> keys = KeysOf(text);
+    keys.emplace_back("Return");
+    Press(box, keys);
+}
+
+void ClickOn(TWinControl& button) {
+    const auto [widget, place] = MiddleOf(button);
+    BringToFront(widget);
+    const QPoint at = widget->mapToGlobal(place);
+    Outside({"mousemove", std::to_string(at.x()), std::to_string(at.y()), "click", "1"});
+}
+
+void PressDown(TWinControl& control) { Press(control, {"Down"}); }
+
+void Settle() {
+    for (int turn = 0; turn < 5; ++turn) Application()->ProcessMessages();
+}
+
+}  // namespace vyn::screens
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    const vyn::screens::VirtualDisplay display;
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    return vyn::qt::RunQtApplication(argc, argv, [] { return RUN_ALL_TESTS(); });
+}
