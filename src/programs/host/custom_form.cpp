@@ -68,6 +68,11 @@ void DropNameless(TRecursosObjecte& resources) {
 
 void TCustomFRM::CleanStored(TRecursosObjecte& resources) {
     custom_form_detail::DropNameless(resources);
+    // Other screens that the form has opened are no part of it.
+    for (int i = 0; i < ComponentCount(); ++i)
+        if (ObjectCast<TCustomForm>(Components(i)))
+            std::erase_if(resources.Fills,
+                          [&](const TRecursosObjecte& child) { return SameText(child.Name, Components(i)->Name()); });
     // Data sources are given the form's own node each time: one stored form may stand for several nodes.
     for (int i = 0; i < ComponentCount(); ++i) {
         const auto* source = ObjectCast<TVynDataSource>(Components(i));

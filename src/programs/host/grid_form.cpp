@@ -1,6 +1,5 @@
 #include "programs/host/grid_form.h"
 
-#include "platform/controls/db_grids.h"
 #include "platform/controls/form_classes.h"
 
 namespace vyn {
@@ -19,7 +18,5 @@ const ClassInfo& TFRMDBGridMD::StaticClass() {
     static const ClassInfo info = DefineForm<TFRMDBGridMD, TFRMDBGrid>("TFRMDBGridMD");
     return info;
 }
-
-TCustomDBGrid* TFRMDBGrid::List() const { return ObjectCast<TCustomDBGrid>(FindComponent("Graella")); }
 
 }  // namespace vyn

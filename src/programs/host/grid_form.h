@@ -10,9 +10,6 @@ class TFRMDBGrid : public TFRMSQLGeneric {
     VYN_OBJECT
   public:
     explicit TFRMDBGrid(TComponent* owner) : TFRMSQLGeneric(owner) {}
-
-  protected:
-    TCustomDBGrid* List() const override;
 };
 
 // The rows of a totals query.

@@ -9,7 +9,6 @@
 
 namespace vyn {
 
-class TCustomDBGrid;
 class TQuerySQL;
 
 // A screen over queries: the form's dataset ("Consulta"), with a statement of its own, or queries (TQuerySQL) that
@@ -22,7 +21,8 @@ class TQuerySQL;
 //   are asked of the engine each time anyway).
 // - Its values are the fields of the record found, by their names, and the form's parameters: what was written to it
 //   under names that are no fields'. A value that is written under a field's name is located.
-// - A modal search shows a search screen (search_form.h) over the same dataset, also when the form itself is shown.
+// - A modal search shows a search screen (search_form.h) over the same dataset, with the columns of the form's list
+//   ("Graella") when it has one, also while the form itself is shown.
 //   While the dataset is edited, or searched already, it is refused with a sentence.
 // What goes wrong with the database while a record is located is raised; a search screen that cannot be shown for it
 // says so itself. A field that there is not finds nothing, and stands in the status bar.
@@ -45,9 +45,6 @@ class TFRMSQLGeneric : public TCustomFRM, protected LookupAnswers {
     TCustomADODataSet* Query() const;
     // The open dataset; raises when it does not open.
     TDataSet& RequireOpen();
-    // The list of the dataset's records, whose columns a search screen shows; null: it shows every visible field.
-    virtual TCustomDBGrid* List() const { return nullptr; }
-
     // Whether records can be added from a search screen.
     virtual bool CanAddRecord() const;
     // Has the user add a record that begins with a text in a field; true when it is there, and the current one.

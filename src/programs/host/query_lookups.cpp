@@ -117,7 +117,7 @@ bool TFRMSQLGeneric::Search(const TLocateStruct& wanted) {
     SearchRequest request;
     request.DataSet = &data;
     request.Title = Caption();
-    request.Columns = List();
+    request.Columns = ObjectCast<TCustomDBGrid>(FindComponent("Graella"));
     request.FieldName = wanted.FieldName;
     request.Text = VarToStr(wanted.Value);
     request.Typed = wanted.First;

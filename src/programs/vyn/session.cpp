@@ -12,6 +12,7 @@
 #include "platform/text/compare.h"
 #include "platform/text/numbers.h"
 #include "platform/text/windows1252.h"
+#include "programs/host/lookup_classes.h"
 #include "programs/host/node_forms.h"
 #include "programs/host/rule_procedures.h"
 #include "programs/vyn/script_database.h"
@@ -108,6 +109,7 @@ Session::Session(const RunOptions& options) {
     app_->SetAppName(tree.FindIDNode(tree.FirstIdNode()) ? tree.GetIDNode(tree.FirstIdNode()).Name
                                                          : ExtractFileName(file_));
     app_->Recursos().LoadUserRecursosFromFile(valuesFile_);
+    RegisterQueryClasses(*app_);
     // Shortcuts show what they stand for.
     app_->Tree().SetRealTree(false);
     app_->SetModified(false);
@@ -120,6 +122,7 @@ Session::~Session() {
     for (int i = Application()->ComponentCount(); i-- > 0;)
         if (i < Application()->ComponentCount() && ObjectCast<TCustomForm>(Application()->Components(i)))
             delete Application()->Components(i);
+    UnregisterQueryClasses();
     app_.reset();
     SetFindGlobalComponent(nullptr);
 }
