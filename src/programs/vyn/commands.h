@@ -24,6 +24,7 @@ struct ShotOptions {
     std::string Output;
     int Width = 0;  // 0: as the window is stored
     int Height = 0;
+    std::string Search;  // FIELD=TEXT: the node's search screen, with a text typed into it
 };
 
 struct SqlOptions {

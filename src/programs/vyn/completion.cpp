@@ -24,7 +24,7 @@ _vyn() {
     case $subcommand in
         run) options="--node --values --database --help" ;;
         demo) options="--node --values --database --help" ;;
-        shot) options="--output --size --values --database --help" ;;
+        shot) options="--output --size --search --values --database --help" ;;
         build | export) options="--output --help" ;;
         dump) options="--json --help" ;;
         import) options="--output --force --damaged --password --json --help" ;;

@@ -71,6 +71,8 @@ int Run(int argc, char** argv) {
     shotCommand->add_option("ID", shot.Application.Node, "the node")->required();
     shotCommand->add_option("-o,--output", shot.Output, "the picture")->required()->type_name("PNG");
     shotCommand->add_option("--size", size, "the window's size")->type_name("WxH");
+    shotCommand->add_option("--search", shot.Search, "the node's search screen, with a text typed")
+        ->type_name("FIELD=TEXT");
     shotCommand->add_option("--values", shot.Application.ValuesFile, "the user's values file")->type_name("FILE");
     shotCommand->add_option("--database", shot.Application.Database, "connection string of the database DBDades")
         ->type_name("CONNECTION-STRING");

@@ -1,10 +1,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 
+#include "datasources/Uvyndatasources.h"
 #include "platform/controls/forms.h"
+#include "platform/controls/screen.h"
 #include "platform/streams/stream.h"
 #include "platform/system/application.h"
 #include "platform/system/files.h"
@@ -41,6 +44,41 @@ void NameRuntimeFolder() {
     if (mkdir(folder.c_str(), S_IRWXU) == 0 || errno == EEXIST) setenv("XDG_RUNTIME_DIR", folder.c_str(), 1);
 }
 
+// Lets what the form's controls look up in the background be found.
+void FinishLookups(const TCustomForm& form) {
+    // Values that were found may have others looked up.
+    constexpr int kTurns = 4;
+    for (int turn = 0; turn < kTurns; ++turn) {
+        Application()->ProcessMessages();
+        for (int i = 0; i < form.ComponentCount(); ++i) {
+            const auto* source = ObjectCast<TVynDataSource>(form.Components(i));
+            TVynComponentList* list = source ? source->ComponentList() : nullptr;
+            for (int at = 0; list && at < list->Count(); ++at)
+                TVynComponentList::WaitUntilFinished(list, list->Record(at)->DataLinks.front());
+        }
+    }
+}
+
+// Takes the picture of a screen's search screen, and closes it.
+void GrabSearchScreen(TCustomForm& form, const ShotOptions& options) {
+    const AnsiString wanted = Utf8ToAnsi(options.Search);
+    const size_t equal = std::min(wanted.find('='), wanted.size());
+    TLocateStruct locate{wanted.substr(0, equal), Variant(wanted.substr(std::min(equal + 1, wanted.size()))), true};
+    bool taken = false;
+    // Nobody is there to answer: what a message would say is what went wrong.
+    SetMessageDialogPort([](const MessageDialogRequest& request) -> TModalResult { throw Exception(request.Text); });
+    WindowHandle later([&](TMessage&) {
+        TCustomForm* screen = Screen()->ActiveForm();
+        if (!screen || screen == &form || !screen->IsModal()) return;
+        qt::GrabFormToFile(*screen, Utf8ToAnsi(options.Output), options.Width, options.Height);
+        taken = true;
+        screen->SetModalResult(mrCancel);
+    });
+    PostMessage(later.Handle(), WM_USER, 0, 0);
+    SendMessage(form.Handle(), VYN_MESSAGE_SHOWMODALSEARCH, VynLocateWParam, reinterpret_cast<intptr_t>(&locate));
+    if (!taken) throw Exception("The node " + IntToStr(options.Application.Node) + " has no search screen");
+}
+
 }  // namespace windows_detail
 
 int ShotCommand(const ShotOptions& options, int argc, char** argv) {
@@ -52,6 +90,12 @@ int ShotCommand(const ShotOptions& options, int argc, char** argv) {
         const int node = options.Application.Node;
         auto* form = ObjectCast<TCustomForm>(&session.OpenUnguarded(node));
         if (!form) throw Exception("The node " + IntToStr(node) + " opens no window");
+        if (!options.Search.empty()) {
+            windows_detail::GrabSearchScreen(*form, options);
+            return 0;
+        }
+        form->Show();
+        windows_detail::FinishLookups(*form);
         qt::GrabFormToFile(*form, Utf8ToAnsi(options.Output), options.Width, options.Height);
         return 0;
     });
