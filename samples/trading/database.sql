@@ -12,8 +12,11 @@ CREATE TABLE clients (
   alta     DATE NOT NULL,
   credit   CURRENCY NOT NULL,
   actiu    BOOLEAN NOT NULL,
-  notes    MEMO TEXT
+  notes    MEMO TEXT,
+  adreca   VARCHAR(60),
+  descompte INTEGER
 );
+CREATE INDEX clients_nom ON clients (nom);
 CREATE TABLE articles (
   id     INTEGER PRIMARY KEY,
   codi   VARCHAR(8) NOT NULL UNIQUE,
@@ -27,7 +30,9 @@ CREATE TABLE comandes (
   numero INTEGER NOT NULL UNIQUE,
   client INTEGER NOT NULL REFERENCES clients,
   data   DATE NOT NULL,
-  estat  VARCHAR(12) NOT NULL
+  estat  VARCHAR(12) NOT NULL,
+  adreca VARCHAR(60),
+  descompte INTEGER
 );
 CREATE TABLE linies (
   id        INTEGER PRIMARY KEY AUTOINCREMENT,
@@ -75,7 +80,10 @@ SELECT o * 20 + f + 1,
        date('2004-01-07', '+' || ((o * 20 + f) * 16) || ' days'),
        ((o * 7 + f * 3) % 20 + 1) * 500,
        (o + f * 2) % 9 <> 0,
-       NULL
+       NULL,
+       CASE (o + f) % 4 WHEN 0 THEN 'Carrer Major' WHEN 1 THEN 'Avinguda de la Pau' WHEN 2 THEN 'Plaça Nova'
+                        ELSE 'Raval de Sant Pere' END || ', ' || ((o * 13 + f * 7) % 90 + 1),
+       (o + f) % 4 * 5
 FROM oficis, families JOIN pobles ON p = (o * 3 + f * 5) % 13;
 
 WITH
@@ -93,9 +101,10 @@ FROM coses, mides;
 -- 4,000 orders of five lines: 20,000 lines.
 WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 3999)
 INSERT INTO comandes
-SELECT i + 1, 20240001 + i, (i * 197) % 500 + 1, date('2024-01-02', '+' || (i * 1050 / 4000) || ' days'),
-       CASE WHEN i < 3600 THEN 'servida' WHEN i % 5 = 0 THEN 'pendent' ELSE 'preparació' END
-FROM n;
+SELECT i + 1, 20240001 + i, c.id, date('2024-01-02', '+' || (i * 1050 / 4000) || ' days'),
+       CASE WHEN i < 3600 THEN 'servida' WHEN i % 5 = 0 THEN 'pendent' ELSE 'preparació' END,
+       c.adreca, 0
+FROM n JOIN clients c ON c.id = (i * 197) % 500 + 1;
 
 WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < 19999)
 INSERT INTO linies

@@ -16,8 +16,8 @@ bool IsSource(const std::string& name) {
     return name == "application.json" || name.rfind("components/", 0) == 0 || name.rfind("resources/", 0) == 0;
 }
 
-constexpr size_t kComponents = 18;
-constexpr size_t kNodes = 24;
+constexpr size_t kComponents = 20;
+constexpr size_t kNodes = 27;
 
 }  // namespace
 

@@ -61,8 +61,8 @@ TEST_P(ShotOfNode, IsAPictureOfAWindow) {
 
 // Above 100000: what the shortcut shows.
 INSTANTIATE_TEST_SUITE_P(Sample, ShotOfNode,
-                         testing::Values(1, 2, 4, 5, 6, 7, 9, 11, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 100002,
-                                         100003, 100004, 100005, 100006, 100007, 100008, 100009),
+                         testing::Values(1, 2, 4, 5, 6, 7, 9, 11, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 26, 27,
+                                         100002, 100003, 100004, 100005, 100006, 100007, 100008, 100009),
                          NameOfNode);
 
 TEST_F(Shot, AGuardedNodeNeedsItsGuard) {
@@ -139,6 +139,22 @@ TEST_F(Shot, ADatabaseThatCannotBeOpenedIsToldInTheWindow) {
     EXPECT_EQ(full.Pixels.size(), empty.Pixels.size());
     EXPECT_NE(full.Pixels, empty.Pixels);
     EXPECT_FALSE(std::filesystem::exists(File("no")));
+}
+
+TEST_F(Shot, ASearchScreenIsShownWithATextTyped) {
+    ASSERT_EQ(Take(VYN_SAMPLE, 25, {"--search", "nom=ferreteria g"}).ExitStatus, 0);
+    const Picture found = ReadPicture(File("shot.png"));
+    EXPECT_GT(found.Colours(), kMoreThanAHandful);
+    ASSERT_EQ(Take(VYN_SAMPLE, 25, {"--search", "nom=zzz"}).ExitStatus, 0);
+    EXPECT_NE(ReadPicture(File("shot.png")).Pixels, found.Pixels);
+    ASSERT_EQ(Take(VYN_SAMPLE, 27, {"--search", "codi"}).ExitStatus, 0);
+}
+
+TEST_F(Shot, WhatHasNoSearchScreenIsAnError) {
+    ExpectFailed(Take(VYN_SAMPLE, 11, {"--search", "nom=a"}), "The node 11 has no search screen");
+    ExpectFailed(
+        Take(VYN_SAMPLE, 25, {"--search", "nom=a", "--database", "Provider=SQLite;Data Source=" + File("no/such.db")}));
+    EXPECT_FALSE(Taken());
 }
 
 TEST_F(Shot, ADamagedApplicationIsAnError) {

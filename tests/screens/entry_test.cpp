@@ -1,9 +1,14 @@
 // Records are entered, corrected and deleted, on the embedded engine and on a server: the same story, and the same rows
 // in the tables afterwards.
+#include "controls/Uvyneditbox.h"
 #include "platform/controls/buttons.h"
 #include "platform/controls/db_controls.h"
 #include "platform/controls/labels.h"
+#include "platform/controls/screen.h"
+#include "platform/controls/shortcuts.h"
 #include "platform/controls/status_bars.h"
+#include "platform/streams/text_form.h"
+#include "platform/system/application.h"
 #include "platform/system/message_dialogs.h"
 #include "programs/host/entry_form.h"
 #include "programs/vyn/script_database.h"
@@ -76,6 +81,32 @@ class EntryTest : public ScreenTest, public testing::WithParamInterface<const ch
         return rows;
     }
     std::string Total() { return AnsiToUtf8(Part<TDBText>("Total").GetLabelText()); }
+    // What a lookup shows when it has been looked up (UTF-8).
+    std::string Looked(const AnsiString& name) {
+        auto& box = Part<TVynEditBox>(name);
+        for (int turn = 0; turn < 3; ++turn) {
+            Application()->ProcessMessages();
+            box.Link().WaitUntilThreadFinished();
+        }
+        return AnsiToUtf8(box.Text());
+    }
+    // Opens the search screen of a lookup; what the user does there runs while it is shown.
+    void While(const AnsiString& name, const std::function<void(TCustomForm&)>& user) {
+        Looked(name);
+        bool ran = false;
+        WindowHandle later([&](TMessage&) {
+            TCustomForm* shown = Screen()->ActiveForm();
+            ASSERT_TRUE(shown && shown->IsModal());
+            ran = true;
+            user(*shown);
+        });
+        PostMessage(later.Handle(), WM_USER, 0, 0);
+        uint16_t key = VK_F2;
+        Part<TVynEditBox>(name).SetFocus();
+        Part<TVynEditBox>(name).ProcessKeyDown(key, {});
+        EXPECT_TRUE(ran);
+        Settle();
+    }
     bool Enabled(const AnsiString& name) { return Part<TWinControl>(name).Enabled(); }
     AnsiString FieldText(const AnsiString& field) { return Part<TDataSet>("Consulta").FieldByName(field)->AsString(); }
 
@@ -93,7 +124,8 @@ class EntryTest : public ScreenTest, public testing::WithParamInterface<const ch
     }
     void TypeALine(const AnsiString& article, const AnsiString& quantity) {
         Press("NovaLinia");
-        Choose("Article", article);
+        EXPECT_EQ(Looked("Article"), "");
+        Type("Article", article);
         Type("Quantitat", quantity);
         Press("Desar");
     }
@@ -131,7 +163,7 @@ TEST_P(EntryTest, ACustomerIsEnteredWithMistakesThatAreCaught) {
     EXPECT_FALSE(Enabled("Desar"));
     EXPECT_EQ(RowsOf("SELECT * FROM clients WHERE id > 500"),
               std::vector<std::string>{
-                  "501|X00501|Núñez & Fills|Olot|Garrotxa|972 000 111|11/20/2026|1500.5|True|Paga tard"});
+                  "501|X00501|Núñez & Fills|Olot|Garrotxa|972 000 111|11/20/2026|1500.5|True|Paga tard||0"});
 }
 
 TEST_P(EntryTest, ACodeThatIsTakenIsTold) {
@@ -177,36 +209,126 @@ TEST_P(EntryTest, AnOrderOfThreeLinesIsEnteredAndOneIsDeleted) {
     EXPECT_EQ(form->ClassName(), "TFRMDBEntradaDadesMD");
     EXPECT_EQ(Total(), "2,155.97");
     EXPECT_EQ(Row("GraellaDetall", 0), "Olla inox|16|55.20|883.20");
+    EXPECT_EQ(Looked("Client"), "Serralleria Ferrer") << "the customer of the order that is shown";
+    EXPECT_EQ(Looked("Article"), "A107-05");
     Press("Nou");
     EXPECT_EQ(Part<TDataSet>("ConsultaDetall").RecordCount(), 0);
+    EXPECT_EQ(Looked("Client"), "");
     Type("Numero", "20249001");
     Type("Data", "11/20/2026");
     Press("Desar");
     EXPECT_EQ(Caption("Missatge"), "Cal omplir el camp «Client».");
-    Choose("Client", "Hardware L");
+    Type("Client", "hardware l");
     Press("Desar");
     EXPECT_EQ(Caption("Missatge"), "");
-    TypeALine("Martell petit", "3");
+    EXPECT_EQ(Looked("Client"), "Hardware López");
+    EXPECT_EQ(Text("Adreca") + "|" + Text("Descompte"), "Raval de Sant Pere, 36|15") << "the customer's";
+    TypeALine("a100-00", "3");
     EXPECT_EQ(Caption("Missatge"), "");
-    EXPECT_EQ(Row("GraellaDetall", 0), "Martell petit|3|10.00|30.00") << "the price is the article's";
-    EXPECT_EQ(Total(), "30.00");
-    TypeALine("Serra antic", "0");
+    EXPECT_EQ(Row("GraellaDetall", 0), "Martell petit|3|8.50|25.50") << "the article's price, less the discount";
+    EXPECT_EQ(Total(), "25.50");
+    TypeALine("A111-09", "0");
     EXPECT_EQ(Caption("Missatge"), "La quantitat ha de ser més gran que zero.");
     Type("Quantitat", "2");
     Press("Desar");
-    EXPECT_EQ(Total(), "78.62");
-    TypeALine("Cargol gran", "10");
-    EXPECT_EQ(Total(), "163.72");
-    EXPECT_EQ(Row("GraellaDetall", 2), "Cargol gran|10|8.51|85.10");
+    EXPECT_EQ(Row("GraellaDetall", 1), "Serra antic|2|20.66|41.32");
+    EXPECT_EQ(Total(), "66.82");
+    TypeALine("A103-02", "10");
+    EXPECT_EQ(Total(), "139.12");
+    EXPECT_EQ(Row("GraellaDetall", 2), "Cargol gran|10|7.23|72.30");
     Press("EliminarLinia");
-    EXPECT_EQ(Total(), "78.62");
+    EXPECT_EQ(Total(), "66.82");
     Type("Preu", "20");
     Press("Desar");
-    EXPECT_EQ(Total(), "70.00");
+    EXPECT_EQ(Total(), "65.50");
     EXPECT_EQ(RowsOf("SELECT * FROM comandes WHERE id > 4000"),
-              std::vector<std::string>{"4001|20249001|195|11/20/2026|pendent"});
+              std::vector<std::string>{"4001|20249001|195|11/20/2026|pendent|Raval de Sant Pere, 36|15"});
     EXPECT_EQ(RowsOf("SELECT * FROM linies WHERE id > 20000 ORDER BY id"),
-              (std::vector<std::string>{"20001|4001|1|3|10", "20002|4001|120|2|20"}));
+              (std::vector<std::string>{"20001|4001|1|3|8.5", "20002|4001|120|2|20"}));
+}
+
+TEST_P(EntryTest, ACustomerThatIsNotThereIsToldAndWhatWasTypedStays) {
+    Open("Entrada de comandes");
+    Press("Nou");
+    EXPECT_EQ(Looked("Client"), "");
+    Type("Numero", "20249002");
+    Type("Client", "Nobody i Cia");
+    Press("Desar");
+    EXPECT_EQ(Caption("Missatge"),
+              "\"Nobody i Cia\" was not found.\nPress F2 to choose from the list, or Escape to take it back");
+    EXPECT_EQ(Text("Client"), "Nobody i Cia");
+    Type("Client", "menaje b");
+    Press("Desar");
+    EXPECT_EQ(Caption("Missatge"), "");
+    EXPECT_EQ(RowsOf("SELECT client FROM comandes WHERE id > 4000"), std::vector<std::string>{"127"});
+}
+
+TEST_P(EntryTest, ACustomerIsChosenFromTheSearchScreen) {
+    Open("Entrada de comandes");
+    Press("Nou");
+    Type("Numero", "20249003");
+    While("Client", [this](TCustomForm& search) {
+        EXPECT_EQ(AnsiToUtf8(search.Caption()), "Cerca de clients");
+        TypeInto(*ObjectCast<TCustomEdit>(search.FindComponent("Cerca")), "vidres g");
+        ClickOn(*ObjectCast<TWinControl>(search.FindComponent("Acceptar")));
+    });
+    EXPECT_EQ(Looked("Client"), "Vidres García");
+    EXPECT_EQ(Text("Descompte"), "5");
+    Press("Desar");
+    EXPECT_EQ(Caption("Missatge"), "");
+    EXPECT_EQ(RowsOf("SELECT client, descompte FROM comandes WHERE id > 4000"), std::vector<std::string>{"410|5"});
+    // Another look, which is taken back.
+    While("Client", [](TCustomForm& search) { ClickOn(*ObjectCast<TWinControl>(search.FindComponent("Cancelar"))); });
+    EXPECT_EQ(Looked("Client"), "Vidres García");
+    EXPECT_FALSE(Part<TDataSet>("Consulta").Modified());
+}
+
+TEST_P(EntryTest, ACustomerThatIsNotThereIsAddedAndComesBackChosen) {
+    Open("Entrada de comandes");
+    Press("Nou");
+    Type("Numero", "20249004");
+    While("Client", [this](TCustomForm& search) {
+        TypeInto(*ObjectCast<TCustomEdit>(search.FindComponent("Cerca")), "Zinc Alba");
+        WindowHandle later([&](TMessage&) {
+            TCustomForm* card = Screen()->ActiveForm();
+            ASSERT_NE(card, nullptr);
+            EXPECT_EQ(AnsiToUtf8(card->Caption()), "Client nou");
+            const auto type = [&](const char* name, const AnsiString& text) {
+                TypeInto(*ObjectCast<TCustomEdit>(card->FindComponent(name)), text);
+                Settle();
+            };
+            EXPECT_EQ(ObjectCast<TCustomEdit>(card->FindComponent("Nom"))->Text(), "Zinc Alba");
+            type("Codi", "z00001");
+            type("Poblacio", "Olot");
+            type("Regio", "Garrotxa");
+            type("Adreca", "Ronda 1");
+            type("Descompte", "20");
+            ClickOn(*ObjectCast<TWinControl>(card->FindComponent("Desar")));
+            Settle();
+            EXPECT_EQ(AnsiToUtf8(ObjectCast<TControl>(card->FindComponent("Missatge"))->Caption()), "");
+        });
+        PostMessage(later.Handle(), WM_USER, 0, 0);
+        ClickOn(*ObjectCast<TWinControl>(search.FindComponent("Nou")));
+    });
+    EXPECT_EQ(Looked("Client"), "Zinc Alba");
+    EXPECT_EQ(Text("Adreca") + "|" + Text("Descompte"), "Ronda 1|20");
+    Press("Desar");
+    EXPECT_EQ(Caption("Missatge"), "");
+    EXPECT_EQ(RowsOf("SELECT client, adreca FROM comandes WHERE id > 4000"), std::vector<std::string>{"501|Ronda 1"});
+}
+
+TEST_P(EntryTest, TheOrderScreenStoresNeitherItsNodeNorWhatItLooksUpIn) {
+    Open("Entrada de comandes");
+    EXPECT_EQ(Looked("Client"), "Serralleria Ferrer");
+    auto* screen = ObjectCast<TCustomFRM>(form);
+    session->App().GrabaResourceTComponent(screen, screen->IDNode(), screen->Component());
+    const auto stored = session->App().Components().GetStreamComponent(screen->Component().IDComponent);
+    stored->SetPosition(0);
+    const std::string text = BinaryToText(*stored);
+    EXPECT_EQ(text.find("IDNode"), std::string::npos);
+    EXPECT_EQ(text.find("TFRMDBGrid"), std::string::npos);
+    EXPECT_EQ(text.find("TFRMSQLGeneric"), std::string::npos);
+    EXPECT_NE(text.find("TVynEditBox"), std::string::npos);
 }
 
 TEST_P(EntryTest, ACustomerIsDeletedOnlyWhenAskedAndNotWithOrders) {

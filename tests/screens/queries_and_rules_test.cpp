@@ -66,7 +66,7 @@ TEST_F(ScreenTest, AnotherUsersOrderDoesNotMoveTheCurrentOne) {
     Down("Graella", 1);
     const std::string line = Row("GraellaDetall", 0);
     auto* connection = ObjectCast<TADOConnection>(FindGlobalComponent("Dades.Connexio"));
-    connection->Execute("INSERT INTO comandes VALUES (4001, 20244001, 1, '2026-11-17', 'pendent')");
+    connection->Execute("INSERT INTO comandes VALUES (4001, 20244001, 1, '2026-11-17', 'pendent', NULL, 0)");
     Press("Actualitzar");
     EXPECT_EQ(Row("Graella", 0).substr(0, 8), "20244001");
     EXPECT_EQ(Part<TDataSet>("Consulta").FieldByName("numero")->AsInteger(), 20243999);
