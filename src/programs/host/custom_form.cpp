@@ -4,6 +4,7 @@
 #include "events/Utvynsubcons.h"
 #include "platform/controls/form_classes.h"
 #include "platform/text/compare.h"
+#include "programs/host/design_run.h"
 
 namespace vyn {
 
@@ -53,6 +54,10 @@ void TCustomFRM::GiveNodeToComponents() {
             if (!source->VynApp()) source->SetVynApp(vynApp_);
         }
     }
+}
+
+bool TCustomFRM::IsShortCut(uint16_t key, TShiftState shift) {
+    return DesignKey(*this, key, shift) || TForm::IsShortCut(key, shift);
 }
 
 void TCustomFRM::TancarClick(TObject*) { Close(); }

@@ -18,6 +18,7 @@ class TCustomFRM : public TForm {
     const TComponentVyn& Component() const { return component_; }
 
     void WndProc(TMessage& message) override;
+    bool IsShortCut(uint16_t key, TShiftState shift) override;
 
     // Methods that every stored form may name.
     void TancarClick(TObject* Sender);

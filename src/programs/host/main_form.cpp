@@ -13,6 +13,7 @@ namespace main_form_detail {
 
 constexpr int kMenuDepth = 6;  // deeper nodes are reached through the tree
 constexpr uint16_t kEnterKey = 13;
+constexpr int kDesignPanel = 2;  // of the status bar
 
 }  // namespace main_form_detail
 
@@ -39,6 +40,16 @@ void TFRMtnAplicacio::ShowApplication(TVynApp* app) {
     if (!app->AppName().empty()) SetCaption(app->AppName());
     FillTree();
     FillMenu();
+    ShowDesignTime();
+}
+
+void TFRMtnAplicacio::WndProc(TMessage& message) {
+    TCustomFRM::WndProc(message);
+    if (message.Msg == VYN_DESIGNTIMEON || message.Msg == VYN_DESIGNTIMEOFF) ShowDesignTime();
+}
+
+void TFRMtnAplicacio::ShowDesignTime() {
+    SetStatus(main_form_detail::kDesignPanel, shown_ && shown_->DesignTime() ? "Disseny: Ctrl+F2" : "");
 }
 
 void TFRMtnAplicacio::CleanStored(TRecursosObjecte& resources) {

@@ -20,6 +20,7 @@ class TFRMtnAplicacio : public TCustomFRM {
     void ShowApplication(TVynApp* app);
     // The text of a panel of the status bar: who works, on which database.
     void SetStatus(int panel, const AnsiString& text);
+    void WndProc(TMessage& message) override;
 
     // Methods that stored forms may name.
     void ArbreChange(TObject* Sender, TTreeNode* Node);
@@ -36,6 +37,7 @@ class TFRMtnAplicacio : public TCustomFRM {
     void DoClose(TCloseAction& action) override;
 
   private:
+    void ShowDesignTime();
     void FillMenu();
     void FillMenuLevel(TMenuItem* parent, int idParent, int depth);
     void FillTree();

@@ -16,6 +16,7 @@ struct RunOptions {
     std::string Database;    // empty: the application's own
     std::string ValuesFile;  // empty: beside the application
     int Node = 0;            // opened straight away; 0: none
+    bool Design = false;     // boxes can be set up (programs/host/design_run.h), and what is changed is saved
     bool Demo = false;       // the sample application with its own database
 };
 

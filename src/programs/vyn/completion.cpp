@@ -22,7 +22,7 @@ _vyn() {
     esac
     local options="--help"
     case $subcommand in
-        run) options="--node --values --database --help" ;;
+        run) options="--design --node --values --database --help" ;;
         demo) options="--node --values --database --help" ;;
         shot) options="--output --size --search --values --database --help" ;;
         build | export) options="--output --help" ;;

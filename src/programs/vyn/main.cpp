@@ -59,6 +59,7 @@ int Run(int argc, char** argv) {
 
     CLI::App* runCommand = program.add_subcommand("run", "Open an application file or source folder");
     runCommand->add_option("FILE", run.File, "application file or source folder")->required();
+    runCommand->add_flag("--design", run.Design, "set lookup boxes up with Ctrl+F2, and save the application");
     CLI::App* demoCommand = program.add_subcommand("demo", "Open the sample application");
     for (CLI::App* command : {runCommand, demoCommand}) {
         command->add_option("--node", run.Node, "open this node straight away")->type_name("ID");

@@ -15,6 +15,7 @@
 #include "programs/host/lookup_classes.h"
 #include "programs/host/node_forms.h"
 #include "programs/host/rule_procedures.h"
+#include "programs/tools/source_folder.h"
 #include "programs/vyn/script_database.h"
 #include "providers/legacy/connection.h"
 #include "providers/odbc/connection.h"
@@ -181,6 +182,19 @@ int Session::GuardOf(int idNode) {
     TTreeVyn& tree = app_->Tree();
     const TNodeArbre parent = tree.GetIDNode(tree.GetIDNode(idNode).IDParent);
     return parent.NodeType == NodeTypeGuard ? parent.IDNode : 0;
+}
+
+void Session::SaveApplication() {
+    TMemoryStream application;
+    app_->SaveAppToStream(application);
+    if (DirectoryExists(file_)) {
+        application.SetPosition(0);
+        for (const SourceRemark& remark : ExportSourceFolder(application, AnsiToUtf8(file_)))
+            Complain(remark.Sentence());
+    } else {
+        application.SaveToFile(file_);
+    }
+    app_->SetModified(false);
 }
 
 void Session::SaveValues() {

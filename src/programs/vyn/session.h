@@ -29,6 +29,9 @@ class Session : public NodeOpener {
     // The same (the main window for the root node), but for a node behind a guard, which is an error.
     TComponent& OpenUnguarded(int idNode);
     void OpenNode(int idNode) override;
+    // Writes the application back to where it came from, a file or a source folder. Raises what goes wrong, and what
+    // was there stays.
+    void SaveApplication();
     // The user's values, when there are any.
     void SaveValues();
     // The guard that stands before the node, or 0.

@@ -11,6 +11,7 @@
 #include "platform/streams/stream.h"
 #include "platform/system/application.h"
 #include "platform/system/files.h"
+#include "platform/system/message_dialogs.h"
 #include "platform/text/exceptions.h"
 #include "platform/text/numbers.h"
 #include "platform/text/windows1252.h"
@@ -21,9 +22,19 @@
 
 namespace vyn {
 
+namespace windows_detail {
+
+bool WantsSaved() {
+    return Application()->MessageBox("Voleu desar els canvis de l'aplicació?"_w, Application()->Title,
+                                     MB_YESNO | MB_ICONQUESTION) == ID_YES;
+}
+
+}  // namespace windows_detail
+
 int RunCommand(const RunOptions& options, int argc, char** argv) {
     return qt::RunQtApplication(argc, argv, [&] {
         Session session(options);
+        if (options.Design) session.App().SetDesignTime(true);
         TFRMtnAplicacio& main = session.MainForm();
         Application()->SetMainForm(&main);
         Application()->Title = session.App().AppName();
@@ -31,6 +42,7 @@ int RunCommand(const RunOptions& options, int argc, char** argv) {
         if (options.Node > 0) session.OpenNode(options.Node);
         Application()->Run();
         session.SaveValues();
+        if (options.Design && session.App().GetModified() && windows_detail::WantsSaved()) session.SaveApplication();
         return 0;
     });
 }
