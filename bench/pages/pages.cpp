@@ -2,27 +2,23 @@
 // keys, the scroll bar and a search cost, beside the engine's own query for the rows that are then shown. A screen is
 // shown when the text of each of its cells is there.
 #include <benchmark/benchmark.h>
-#include <libpq-fe.h>
-#include <sqlite3.h>
-#include <unistd.h>
 
 #include <cstring>
-#include <filesystem>
 #include <map>
 #include <random>
 #include <set>
-#include <stdexcept>
 
+#include "engines.h"
 #include "platform/access/ado.h"
 #include "platform/controls/db_grids.h"
 #include "platform/controls/shortcuts.h"
 #include "providers/postgresql/connection.h"
 #include "providers/sqlite/connection.h"
-#include "servers/postgresql_cluster.h"
 
 namespace {
 
 using namespace vyn;
+using namespace engines;
 
 constexpr char kColumns[] =
     "(id INTEGER PRIMARY KEY, client INTEGER, name VARCHAR(30), city VARCHAR(20), price FLOAT, weight FLOAT, day DATE, "
@@ -32,49 +28,6 @@ constexpr int kFieldCount = 8;
 constexpr int64_t kSmall = 10000, kMiddle = 1000000, kLarge = 10000000;
 
 std::string TableOf(int64_t rows) { return "sales" + std::to_string(rows); }
-
-[[noreturn]] void Fail(const char* message) { throw std::runtime_error(message); }
-
-struct File {
-    std::string name = "/tmp/vyn-bench-pages-" + std::to_string(getpid()) + ".db";
-    ~File() {
-        for (const char* tail : {"", "-wal", "-shm"}) std::filesystem::remove(name + tail);
-    }
-};
-
-sqlite3* Embedded() {
-    static File file;
-    static sqlite3* database = [] {
-        sqlite3* opened = nullptr;
-        sqlite3_open(file.name.c_str(), &opened);
-        sqlite3_exec(opened, "PRAGMA journal_mode = WAL; PRAGMA synchronous = OFF", nullptr, nullptr, nullptr);
-        return opened;
-    }();
-    return database;
-}
-
-void RunEmbedded(const std::string& sql) {
-    if (sqlite3_exec(Embedded(), sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) Fail(sqlite3_errmsg(Embedded()));
-}
-
-servers::PostgresqlCluster& Cluster() {
-    static servers::PostgresqlCluster cluster;
-    return cluster;
-}
-
-PGconn* Server() {
-    static PGconn* connection = PQconnectdb(
-        ("host=" + Cluster().Host() + " dbname=" + Cluster().Database() + " user=" + Cluster().User()).c_str());
-    return connection;
-}
-
-void RunServer(const std::string& sql) {
-    PGresult* result = PQexec(Server(), sql.c_str());
-    if (PQresultStatus(result) != PGRES_COMMAND_OK) Fail(PQerrorMessage(Server()));
-    PQclear(result);
-}
-
-enum class Engine { Embedded, Server };
 
 // Makes a table when it is first asked for.
 void NeedTable(Engine engine, int64_t rows) {

@@ -54,7 +54,7 @@ struct TVynComponent {
 };
 
 // The looked-up components of one data source: opened when they are first needed, shared by the links that look the
-// same thing up, searched in the background (docs/lookups.md, docs/decisions/0010-lookup-threads.md).
+// same thing up, searched in the background (docs/lookups.md, docs/decisions/0011-lookup-threads.md).
 //
 // Every change comes from a message that the list posts to its own window, so nothing is opened or searched inside the
 // caller's stack. Owns its records, their components and the searches that run; all are gone when it is. Errors while
