@@ -7,6 +7,7 @@
 #include "platform/controls/screen.h"
 #include "platform/controls/shortcuts.h"
 #include "platform/controls/status_bars.h"
+#include "platform/controls/timers.h"
 #include "platform/streams/text_form.h"
 #include "platform/system/application.h"
 #include "platform/system/message_dialogs.h"
@@ -90,21 +91,35 @@ class EntryTest : public ScreenTest, public testing::WithParamInterface<const ch
         }
         return AnsiToUtf8(box.Text());
     }
+    // Runs what the user does in the next modal window, when that has come.
+    class InModalWindow {
+      public:
+        explicit InModalWindow(std::function<void(TCustomForm&)> user)
+            : user_(std::move(user)), before_(Screen()->ActiveForm()) {
+            timer_.SetInterval(5);
+            timer_.SetOnTimer([this](TObject*) {
+                TCustomForm* shown = Screen()->ActiveForm();
+                if (!shown || shown == before_ || !shown->IsModal()) return;
+                timer_.SetEnabled(false);
+                Ran = true;
+                user_(*shown);
+            });
+        }
+        bool Ran = false;
+
+      private:
+        std::function<void(TCustomForm&)> user_;
+        TCustomForm* before_;
+        TTimer timer_{nullptr};
+    };
     // Opens the search screen of a lookup; what the user does there runs while it is shown.
     void While(const AnsiString& name, const std::function<void(TCustomForm&)>& user) {
         Looked(name);
-        bool ran = false;
-        WindowHandle later([&](TMessage&) {
-            TCustomForm* shown = Screen()->ActiveForm();
-            ASSERT_TRUE(shown && shown->IsModal());
-            ran = true;
-            user(*shown);
-        });
-        PostMessage(later.Handle(), WM_USER, 0, 0);
+        InModalWindow there(user);
         uint16_t key = VK_F2;
         Part<TVynEditBox>(name).SetFocus();
         Part<TVynEditBox>(name).ProcessKeyDown(key, {});
-        EXPECT_TRUE(ran);
+        EXPECT_TRUE(there.Ran);
         Settle();
     }
     bool Enabled(const AnsiString& name) { return Part<TWinControl>(name).Enabled(); }
@@ -289,26 +304,24 @@ TEST_P(EntryTest, ACustomerThatIsNotThereIsAddedAndComesBackChosen) {
     Type("Numero", "20249004");
     While("Client", [this](TCustomForm& search) {
         TypeInto(*ObjectCast<TCustomEdit>(search.FindComponent("Cerca")), "Zinc Alba");
-        WindowHandle later([&](TMessage&) {
-            TCustomForm* card = Screen()->ActiveForm();
-            ASSERT_NE(card, nullptr);
-            EXPECT_EQ(AnsiToUtf8(card->Caption()), "Client nou");
+        InModalWindow there([](TCustomForm& card) {
+            EXPECT_EQ(AnsiToUtf8(card.Caption()), "Client nou");
             const auto type = [&](const char* name, const AnsiString& text) {
-                TypeInto(*ObjectCast<TCustomEdit>(card->FindComponent(name)), text);
+                TypeInto(*ObjectCast<TCustomEdit>(card.FindComponent(name)), text);
                 Settle();
             };
-            EXPECT_EQ(ObjectCast<TCustomEdit>(card->FindComponent("Nom"))->Text(), "Zinc Alba");
+            EXPECT_EQ(ObjectCast<TCustomEdit>(card.FindComponent("Nom"))->Text(), "Zinc Alba");
             type("Codi", "z00001");
             type("Poblacio", "Olot");
             type("Regio", "Garrotxa");
             type("Adreca", "Ronda 1");
             type("Descompte", "20");
-            ClickOn(*ObjectCast<TWinControl>(card->FindComponent("Desar")));
+            ClickOn(*ObjectCast<TWinControl>(card.FindComponent("Desar")));
             Settle();
-            EXPECT_EQ(AnsiToUtf8(ObjectCast<TControl>(card->FindComponent("Missatge"))->Caption()), "");
+            EXPECT_EQ(AnsiToUtf8(ObjectCast<TControl>(card.FindComponent("Missatge"))->Caption()), "");
         });
-        PostMessage(later.Handle(), WM_USER, 0, 0);
         ClickOn(*ObjectCast<TWinControl>(search.FindComponent("Nou")));
+        EXPECT_TRUE(there.Ran);
     });
     EXPECT_EQ(Looked("Client"), "Zinc Alba");
     EXPECT_EQ(Text("Adreca") + "|" + Text("Descompte"), "Ronda 1|20");

@@ -50,7 +50,10 @@ void Outside(std::vector<std::string> words) {
 void BringToFront(QWidget* widget) {
     QWidget* window = widget->window();
     window->activateWindow();
-    if (!QTest::qWaitForWindowActive(window, kLongestWait)) throw Exception("the window did not come to the front");
+    if (!QTest::qWaitForWindowExposed(window, kLongestWait) || !QTest::qWaitForWindowActive(window, kLongestWait))
+        throw Exception("the window did not come to the front");
+    // The toolkit takes a modal window for the active one before the server gives it the keyboard.
+    RunProgram({"xdotool", "windowfocus", "--sync", std::to_string(window->winId())});
 }
 
 // The keys of a Spanish keyboard for a character: letters with accents have dead keys before them.
