@@ -1,6 +1,7 @@
 // Screens whose queries follow parameters, and whose rules calculate.
 #include "platform/controls/buttons.h"
 #include "platform/controls/groups.h"
+#include "platform/controls/menus.h"
 #include "platform/controls/status_bars.h"
 #include "platform/controls/tree_views.h"
 #include "query/Uquerysql.h"
@@ -59,6 +60,23 @@ TEST_F(ScreenTest, TheLinesFollowTheOrder) {
     Part<TQuerySQL>("Comandes").RefrescaSQL();
     EXPECT_EQ(Part<TDataSet>("Consulta").FieldByName("numero")->AsInteger(), 20243998);
     EXPECT_EQ(Row("GraellaDetall", 0), line);
+}
+
+TEST_F(ScreenTest, AScreenWithOthersBelowItStandsAboveThemInTheMenu) {
+    TFRMtnAplicacio& main = session->MainForm();
+    const TMenuItem* files = ObjectCast<TMainMenu>(main.FindComponent("MenuPrincipal"))->Items()->Items(0);
+    TMenuItem* orders = nullptr;
+    for (int i = 0; i < files->Count(); ++i)
+        if (files->Items(i)->Caption() == "Entrada de comandes") orders = files->Items(i);
+    ASSERT_NE(orders, nullptr);
+    ASSERT_EQ(orders->Count(), 3);
+    EXPECT_EQ(orders->Items(0)->Caption(), "Entrada de comandes");
+    EXPECT_EQ(orders->Items(1)->Caption(), "-");
+    EXPECT_EQ(orders->Items(2)->Caption(), "Cerca de clients");
+    orders->Items(0)->Click();
+    EXPECT_GE(session->App().NodesList().IndexOf(24), 0);
+    orders->Items(2)->Items(2)->Click();
+    EXPECT_GE(session->App().NodesList().IndexOf(26), 0);
 }
 
 TEST_F(ScreenTest, AnotherUsersOrderDoesNotMoveTheCurrentOne) {

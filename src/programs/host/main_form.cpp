@@ -124,10 +124,20 @@ void TFRMtnAplicacio::FillMenuLevel(TMenuItem* parent, int idParent, int depth) 
         item->Tag = node.IDNode;
         parent->Add(item);
         FillMenuLevel(item, node.IDNode, depth + 1);
-        if (item->Count() == 0) {
-            item->SetEnabled(NodeOpens(node));
-            item->OnClick = [this](TObject* sender) { EntradaClick(sender); };
+        TMenuItem* entry = item;
+        if (item->Count() > 0) {
+            if (!NodeOpens(node)) continue;
+            // A screen with others below it stands above them in its own menu.
+            entry = new TMenuItem(this);
+            entry->SetCaption(item->Caption());
+            entry->Tag = node.IDNode;
+            auto* line = new TMenuItem(this);
+            line->SetCaption("-");
+            item->Insert(0, entry);
+            item->Insert(1, line);
         }
+        entry->SetEnabled(NodeOpens(node));
+        entry->OnClick = [this](TObject* sender) { EntradaClick(sender); };
     }
 }
 
