@@ -1,5 +1,5 @@
-// The chapter on queries, parameters and rules, held against the program and the sample: its commands print what it
-// says, its excerpts stand in the sample's forms, and its functions become what its table says.
+// The chapters on queries, parameters and rules, and on lookups, held against the program and the sample: their
+// commands print what they say, their excerpts stand in the sample's forms, and functions become what their table says.
 #include <algorithm>
 #include <fstream>
 #include <sstream>
@@ -30,13 +30,15 @@ std::vector<std::string> LinesOf(const std::string& text) {
 
 class Chapter : public ProgramTest {
   protected:
-    static std::vector<std::string> Text() {
-        return LinesOf(ReadBytes(std::filesystem::path(VYN_SOURCE_DIR) / "docs/queries-parameters-rules.md"));
+    static constexpr char kQueries[] = "docs/queries-parameters-rules.md";
+    static constexpr char kLookups[] = "docs/lookups.md";
+    static std::vector<std::string> Text(const char* chapter = kQueries) {
+        return LinesOf(ReadBytes(std::filesystem::path(VYN_SOURCE_DIR) / chapter));
     }
-    static std::vector<Block> Blocks(const std::string& kind) {
+    static std::vector<Block> Blocks(const std::string& kind, const char* chapter = kQueries) {
         std::vector<Block> blocks;
         bool inside = false;
-        for (const std::string& line : Text()) {
+        for (const std::string& line : Text(chapter)) {
             if (line.rfind("```", 0) == 0) {
                 inside = !inside;
                 if (inside) blocks.push_back({line.substr(3), {}});
@@ -100,8 +102,11 @@ TEST_F(Chapter, EveryCommandPrintsWhatStandsBelowIt) {
 }
 
 TEST_F(Chapter, EveryExcerptStandsInTheSample) {
-    const std::vector<Block> blocks = Blocks("form ");
+    std::vector<Block> blocks = Blocks("form ");
     EXPECT_GE(blocks.size(), 10u);
+    const std::vector<Block> ofLookups = Blocks("form ", kLookups);
+    EXPECT_GE(ofLookups.size(), 3u);
+    blocks.insert(blocks.end(), ofLookups.begin(), ofLookups.end());
     for (const Block& block : blocks) {
         const std::filesystem::path file = std::filesystem::path(VYN_SOURCE_DIR) / block.Kind.substr(5);
         const std::vector<std::string> form = LinesOf(ReadBytes(file));
@@ -132,14 +137,16 @@ TEST_F(Chapter, EveryFunctionBecomesWhatTheTableSays) {
 
 TEST_F(Chapter, ItsPicturesAreThere) {
     int pictures = 0;
-    for (const std::string& line : Text()) {
+    std::vector<std::string> text = Text();
+    for (const std::string& line : Text(kLookups)) text.push_back(line);
+    for (const std::string& line : text) {
         const size_t at = line.find("](pictures/");
         if (at == std::string::npos) continue;
         const std::string name = line.substr(at + 2, line.find(')', at) - at - 2);
         EXPECT_TRUE(std::filesystem::exists(std::filesystem::path(VYN_SOURCE_DIR) / "docs" / name)) << name;
         ++pictures;
     }
-    EXPECT_GE(pictures, 3);
+    EXPECT_GE(pictures, 5);
 }
 
 }  // namespace vyn::scenarios
