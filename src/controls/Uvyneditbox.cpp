@@ -103,10 +103,14 @@ TVynEditBox::~TVynEditBox() {
 
 // Settings.
 
-void TVynEditBox::SetVynDataSource(TVynDataSource* value) {
-    if (value == link_->DataSource()) return;
-    link_->SetDataSource(value);
-    if (value) value->FreeNotification(this);
+void TVynEditBox::SetVynDataSource(TVynDataSource* value) { FollowSource(value); }
+
+void TVynEditBox::TakeCopySource(TDataSource* source) { FollowSource(source); }
+
+void TVynEditBox::FollowSource(TDataSource* source) {
+    if (source == link_->DataSource()) return;
+    link_->SetDataSource(source);
+    if (source) source->FreeNotification(this);
     ValuesChanged();
 }
 

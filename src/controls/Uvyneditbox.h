@@ -2,6 +2,7 @@
 
 #include "controls/base_edit_box.h"
 #include "datasources/Uvyndatasources.h"
+#include "platform/controls/control_copies.h"
 
 namespace vyn {
 
@@ -21,9 +22,11 @@ namespace vyn {
 // Leaving. What was typed is looked for and its key stored. A text that is not found raises when there is a key to be
 // found, and then the keyboard stays; without ChildDataKey any text is taken.
 //
+// In a control grid the copies in other records' panels show plain fields; what is looked up they leave empty.
+//
 // While the component is not there (being made, or a search of somebody else's running) the box is empty and read-only.
 // Main thread only.
-class TVynEditBox : public TBaseVynEditBox {
+class TVynEditBox : public TBaseVynEditBox, public CopyOverPlainSource {
     VYN_OBJECT
   public:
     explicit TVynEditBox(TComponent* owner);
@@ -93,6 +96,7 @@ class TVynEditBox : public TBaseVynEditBox {
     void DoEnter() override;
     void DoExit() override;
     void Loaded() override;
+    void TakeCopySource(TDataSource* source) override;
 
   protected:
     bool BeginChange() override;
@@ -102,6 +106,7 @@ class TVynEditBox : public TBaseVynEditBox {
     // The link's events.
     void DataChange();
     void UpdateData();
+    void FollowSource(TDataSource* source);
     void RecordChanged();
     void ValuesChanged();
     void AutoSearched(const AnsiString& searched, const AnsiString& found);

@@ -115,7 +115,10 @@ void ControlCopies::Update(TDataSource* source, TDataSource* copySource) {
         for (const PropertyInfo& property : original.GetClassInfo().Properties()) {
             if (IsOwn(property) || property.ReadOnly || !property.IsStored(original)) continue;
             if (property.Kind == PropertyKind::Class && property->GetObject(original) == source && source) {
-                if (property->GetObject(*pair.copy) != copySource) property->SetObject(*pair.copy, copySource);
+                if (auto* plain = dynamic_cast<CopyOverPlainSource*>(pair.copy))
+                    plain->TakeCopySource(copySource);
+                else if (property->GetObject(*pair.copy) != copySource)
+                    property->SetObject(*pair.copy, copySource);
             } else {
                 CopyProperty(property, original, *pair.copy, Parts::Changed);
             }

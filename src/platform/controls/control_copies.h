@@ -8,6 +8,14 @@
 
 namespace vyn {
 
+// A control whose source has to be of a class of its own, which that of copies is not: its copy shows what it can
+// without.
+class CopyOverPlainSource {
+  public:
+    virtual ~CopyOverPlainSource() = default;
+    virtual void TakeCopySource(TDataSource* source) = 0;
+};
+
 // Controls that look as others do and show another record: of the same classes, with the same published properties,
 // but without names and events, over a data source of their own. Nobody hears of what happens to them.
 class ControlCopies {

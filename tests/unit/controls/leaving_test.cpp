@@ -1,5 +1,6 @@
 // What becomes of what was typed when the box is left, plain fields, the search screen, the button.
 #include "edit_box_fixtures.h"
+#include "platform/controls/db_ctrl_grid.h"
 
 using namespace edit_box_fixtures;
 
@@ -338,6 +339,32 @@ TEST_F(SearchScreen, ABoxOverAClassFindsStoresAndOpensToo) {
     Type(*coded, "\x1b");
     Settle();
     EXPECT_EQ(coded->Text(), "Gasol");
+}
+
+// Boxes inside a grid that repeats them.
+
+TEST_F(PlainField, IsRepeatedInAControlGridAndALookupIsLeftEmptyThere) {
+    auto* grid = Make<TDBCtrlGrid>("Grid");
+    grid->SetParent(form.get());
+    grid->SetDataSource(source);
+    auto* title = MakeBox("TitleBox", "Customer", dlt_Field);
+    auto* looked = MakeBox("Looked", "Customer");
+    for (TVynEditBox* each : {title, looked}) each->SetParent(grid->Panel());
+    Settle();
+    const int records = source->ComponentList()->Count();
+    for (int turn = 0; turn < 2; ++turn) {
+        grid->PrepareCopies();
+        ASSERT_EQ(grid->CopyPanel()->ControlCount(), 2);
+        auto* plain = ObjectCast<TVynEditBox>(grid->CopyPanel()->Controls(0));
+        auto* empty = ObjectCast<TVynEditBox>(grid->CopyPanel()->Controls(1));
+        grid->ShowCopy(1, [&] {
+            EXPECT_EQ(plain->Text(), "4") << "the second record's";
+            EXPECT_EQ(empty->Text(), "");
+        });
+    }
+    EXPECT_EQ(title->Text(), "3");
+    EXPECT_EQ(looked->Text(), "García"_w);
+    EXPECT_EQ(source->ComponentList()->Count(), records) << "copies look nothing up";
 }
 
 }  // namespace
