@@ -112,10 +112,12 @@ void TFRMCerca::Prepare(const SearchRequest& request) {
 
 void TFRMCerca::Restore(bool chosen) {
     TDataSet* data = request_.DataSet;
-    if (!data || !data->Active()) return;
+    if (!data || !grid_) return;
     grid_->SetDataSource(nullptr);
     const DisabledControls quiet(*data);
+    // Closed when the database has gone: it opens in its order again.
     data->SetSort(orderBefore_);
+    if (!data->Active()) return;
     if (!chosen && data->BookmarkValid(recordBefore_)) data->GotoBookmark(recordBefore_);
 }
 
@@ -134,6 +136,22 @@ void TFRMCerca::SearchIn(const AnsiString& fieldName) {
     if (!sortable || AnsiSameText(data.Sort(), order)) return;
     const Seeking here(*this);
     data.SetSort(order);
+}
+
+void TFRMCerca::SearchInNext(int step) {
+    const auto& columns = grid_->ShownColumns();
+    const auto count = static_cast<int>(columns.size());
+    int at = step > 0 ? -1 : count;
+    for (int i = 0; i < count; ++i)
+        if (SameText(columns[static_cast<size_t>(i)]->FieldName(), fieldName_)) at = i;
+    for (int tried = 0; tried < count; ++tried) {
+        at = (at + step + count) % count;
+        TColumn* column = columns[static_cast<size_t>(at)];
+        const TField* field = column->Field();
+        if (!field || ColumnKindOf(field->DataType()) == ColumnKind::Bytes) continue;
+        if (!SameText(column->FieldName(), fieldName_)) TitleClick(column);
+        return;
+    }
 }
 
 void TFRMCerca::TitleClick(TColumn* column) {
@@ -189,6 +207,10 @@ void TFRMCerca::CercaKeyDown(TObject*, uint16_t& key, TShiftState shift) {
             // From where the typed text stands.
             if (waiting_) Seek();
             grid_->KeyDown(key, shift);
+            key = 0;
+            return;
+        case VK_F3:
+            SearchInNext(shift.Contains(ssShift) ? -1 : 1);
             key = 0;
             return;
         default:

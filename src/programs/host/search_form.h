@@ -38,6 +38,7 @@ class TSearchGrid : public TDBGrid {
 // Keys, all while the keyboard is in the line
 //     Up, Down, Page Up, Page Down   the record beside, a screen on
 //     Home, End (also with Ctrl)     the first, last record; in the line with Shift
+//     F3, Shift+F3                   search in the field of the next column, the one before
 //     Enter, Escape                  choose the record; leave all as it was
 // A click on a title orders by its field, and searches in it. A double click chooses.
 //
@@ -76,6 +77,7 @@ class TFRMCerca : public TForm {
     // Goes to the first record that begins with the text.
     void Seek();
     void TitleClick(TColumn* column);
+    void SearchInNext(int step);
     void Choose();
     // The current record is another one, or was chosen by hand.
     void RecordMoved();

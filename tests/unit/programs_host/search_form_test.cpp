@@ -31,6 +31,13 @@ class SearchScreens : public HostLookups {
     }
     static std::string Message(TFRMCerca& screen) { return AnsiToUtf8(Part<TLabel>(screen, "Missatge").Caption()); }
     static bool CanAccept(TFRMCerca& screen) { return Part<TButton>(screen, "Acceptar").Enabled(); }
+    // So many that the engine is asked for what is in sight.
+    void FillWithMany() {
+        connection->Execute(
+            "WITH RECURSIVE n(i) AS (SELECT 6 UNION ALL SELECT i + 1 FROM n WHERE i < 30000)"
+            " INSERT INTO clients (id, nom) SELECT i, 'Many ' || (i - 1) FROM n");
+        connection->Execute("CREATE INDEX clients_nom ON clients (nom)");
+    }
     static void Press(TFRMCerca& screen, const AnsiString& button) { Part<TButton>(screen, button).Click(); }
 };
 
@@ -178,6 +185,75 @@ TEST_F(SearchScreens, ATitleOrdersAndSearchesByItsField) {
         grid.ProcessCellDblClick(0, 1);
     }));
     EXPECT_EQ(ValueOf(form, "codi"), "C5");
+    EXPECT_EQ(DataOf(form).Sort(), "");
+}
+
+TEST_F(SearchScreens, AKeyGoesThroughTheFieldsThatCanBeSearched) {
+    auto& form = Open<>(2);
+    EXPECT_FALSE(Search(form, "sol", true, [&](TFRMCerca& screen) {
+        std::vector<AnsiString> labels;
+        for (int i = 0; i < 5; ++i) {
+            Key(screen, VK_F3);
+            labels.push_back(Part<TLabel>(screen, "PerCamp").Caption());
+        }
+        // The picture between them is passed over.
+        EXPECT_EQ(labels, (std::vector<AnsiString>{"per alta", "per poblaci\xF3", "per id", "per codi", "per nom"}));
+        EXPECT_EQ(Current(screen), "Soler");
+        Key(screen, VK_F3, {ssShift});
+        EXPECT_EQ(Part<TLabel>(screen, "PerCamp").Caption(), "per codi");
+        Type(screen, "c4");
+        Key(screen, VK_F3);
+        EXPECT_EQ(Part<TLabel>(screen, "PerCamp").Caption(), "per nom");
+        Key(screen, VK_ESCAPE);
+    }));
+    EXPECT_EQ(DataOf(form).Sort(), "");
+}
+
+TEST_F(SearchScreens, ALargeTableIsSearchedByTheEngine) {
+    FillWithMany();
+    auto& form = Open<>(2);
+    ASSERT_TRUE(DataOf(form).IsPaged());
+    EXPECT_EQ(Found(form, "nom", "many 2999"), "3000") << "called just so";
+    EXPECT_EQ(Found(form, "nom", "Many 29990"), "29991");
+    EXPECT_EQ(Found(form, "id", 20000), "20000");
+    EXPECT_EQ(DataOf(form).RecNo(), 1);
+    EXPECT_TRUE(Search(form, "many 29990", true, [&](TFRMCerca& screen) {
+        EXPECT_EQ(Current(screen), "Many 29990");
+        EXPECT_EQ(Part<TCustomDBGrid>(screen, "Graella").TopRecord(), DataOf(form).CurrentRecord());
+        Key(screen, VK_DOWN);
+        EXPECT_EQ(Current(screen), "Many 29991");
+        Type(screen, "many 1234");
+        Pause();
+        EXPECT_EQ(Current(screen), "Many 1234");
+        Key(screen, VK_RETURN);
+    }));
+    EXPECT_EQ(ValueOf(form, "id"), "1235");
+    EXPECT_EQ(DataOf(form).FieldByName("id")->AsInteger(), 1235);
+    EXPECT_TRUE(DataOf(form).IsPaged());
+    EXPECT_LT(DataOf(form).Rows().Count(), 5000) << "what is not in sight is not read";
+    EXPECT_FALSE(Search(form, "soler", true, [&](TFRMCerca& screen) { Key(screen, VK_ESCAPE); }));
+    EXPECT_EQ(DataOf(form).FieldByName("id")->AsInteger(), 1235);
+}
+
+TEST_F(SearchScreens, ADatabaseThatGoesWhileItIsSearchedIsSaid) {
+    FillWithMany();
+    auto& form = Open<>(2);
+    std::vector<AnsiString> errors;
+    Application()->OnException = [&](TObject*, const Exception& error) { errors.push_back(error.Message()); };
+    EXPECT_FALSE(Search(form, "", false, [&](TFRMCerca& screen) {
+        connection->Execute("ALTER TABLE clients RENAME TO altres");
+        Type(screen, "many 2");
+        Pause();
+        EXPECT_EQ(errors.size(), 1u);
+        EXPECT_EQ(screen.ModalResult(), mrNone);
+        Key(screen, VK_ESCAPE);
+    }));
+    Application()->OnException = nullptr;
+    EXPECT_EQ(SearchScreen(), nullptr);
+    EXPECT_LE(said.size(), 1u);
+    connection->Execute("ALTER TABLE altres RENAME TO clients");
+    EXPECT_TRUE(Search(form, "soler", true, [&](TFRMCerca& screen) { Key(screen, VK_RETURN); }));
+    EXPECT_EQ(ValueOf(form, "nom"), "Soler");
     EXPECT_EQ(DataOf(form).Sort(), "");
 }
 
