@@ -88,6 +88,19 @@ void TFRMeditVynEditBox::SetEdit_EditBox(TVynEditBox* box) {
 
 void TFRMeditVynEditBox::InitValues() {
     initializing_ = true;
+    try {
+        FillParts();
+    } catch (...) {
+        initializing_ = false;
+        throw;
+    }
+    initializing_ = false;
+    EnableAutoSearch();
+    ShowChildParams();
+    ShowGeneralInfo();
+}
+
+void TFRMeditVynEditBox::FillParts() {
     TStringList sources;
     if (const TComponent* owner = editBox_->Owner())
         for (int i = 0; i < owner->ComponentCount(); ++i)
@@ -115,10 +128,6 @@ void TFRMeditVynEditBox::InitValues() {
     Part<TComboBox>("cbAutoSearchMiliseconds").SetText(IntToStr(editBox_->AutoSearchWaitMiliSeconds()));
     Part<TEdit>("ebExecuteEventName").SetText(editBox_->ExecuteEventName());
     Part<TMemo>("memoAutoAssign").SetLines(editBox_->RelationedFields());
-    initializing_ = false;
-    EnableAutoSearch();
-    ShowChildParams();
-    ShowGeneralInfo();
 }
 
 void TFRMeditVynEditBox::InitDataSources() {
@@ -187,10 +196,15 @@ void TFRMeditVynEditBox::Write(const std::function<void(TVynEditBox& box)>& writ
     write(*editBox_);
     if (!editBox_) return;
     initializing_ = true;
-    InitDataSources();
-    InitNChild();
-    ShowChildParams();
-    ShowGeneralInfo();
+    try {
+        InitDataSources();
+        InitNChild();
+        ShowChildParams();
+        ShowGeneralInfo();
+    } catch (...) {
+        initializing_ = false;
+        throw;
+    }
     initializing_ = false;
 }
 

@@ -47,6 +47,7 @@ class TFRMeditVynEditBox : public TForm {
   private:
     // Everything from the box.
     void InitValues();
+    void FillParts();
     void InitDataSources();
     void InitVynDataLinkType();
     void InitNChild();

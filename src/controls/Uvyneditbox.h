@@ -113,8 +113,8 @@ class TVynEditBox : public TBaseVynEditBox, public CopyOverPlainSource {
 
     void TakeFieldLimits();
     void ShowText();
-    // What the user has typed here was neither taken nor taken back.
-    bool BeingTyped() const { return typingSearch_ || Modified(); }
+    // What the user has typed here was neither taken nor taken back, and its record is still being edited.
+    bool BeingTyped() const { return (typingSearch_ || Modified()) && (!Field() || link_->FieldEditing()); }
 
     std::unique_ptr<TVynDataLink> link_;
     TStringList relationedFields_;

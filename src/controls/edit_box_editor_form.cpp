@@ -6,6 +6,7 @@ std::string_view EditBoxEditorForm() {
     return R"(object FRMeditVynEditBox: TFRMeditVynEditBox
   Left = 220
   Top = 140
+  ActiveControl = cbDataSource
   BorderIcons = [biSystemMenu]
   BorderStyle = bsDialog
   ClientHeight = 352
@@ -243,7 +244,7 @@ std::string_view EditBoxEditorForm() {
         Left = 16
         Top = 14
         Width = 394
-        Height = 164
+        Height = 150
         ScrollBars = ssVertical
         TabOrder = 0
         WordWrap = False
@@ -251,7 +252,7 @@ std::string_view EditBoxEditorForm() {
       end
       object lblAutoAssignSource: TLabel
         Left = 16
-        Top = 188
+        Top = 174
         Width = 150
         Height = 17
         AutoSize = False
@@ -260,7 +261,7 @@ std::string_view EditBoxEditorForm() {
       end
       object cbAutoAssignSourceParamName: TComboBox
         Left = 16
-        Top = 208
+        Top = 194
         Width = 150
         Height = 25
         TabOrder = 1
@@ -268,7 +269,7 @@ std::string_view EditBoxEditorForm() {
       end
       object lblAutoAssignDest: TLabel
         Left = 178
-        Top = 188
+        Top = 174
         Width = 150
         Height = 17
         AutoSize = False
@@ -277,14 +278,14 @@ std::string_view EditBoxEditorForm() {
       end
       object cbAutoAssignDestFieldName: TComboBox
         Left = 178
-        Top = 208
+        Top = 194
         Width = 150
         Height = 25
         TabOrder = 2
       end
       object bbAddAutoAssign: TButton
         Left = 340
-        Top = 207
+        Top = 193
         Width = 70
         Height = 27
         Caption = 'Add'

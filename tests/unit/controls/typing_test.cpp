@@ -289,6 +289,32 @@ TEST_F(Typing, EscapeWhileItsSearchRunsShowsTheRecordsValueWhenItEnds) {
     EXPECT_FALSE(box->ReadOnly());
 }
 
+TEST_F(Typing, CancellingTheRecordWhileItsSearchRunsTakesTheTextBack) {
+    Type(*box, "gas");
+    Application()->ProcessMessages();
+    ASSERT_EQ(box->Link().VynComponentState(), vyncs_Searching);
+    orders->Cancel();
+    EXPECT_FALSE(box->Modified());
+    EXPECT_EQ(box->Text(), "");
+    Pause();
+    EXPECT_EQ(box->Text(), "García"_w);
+    other->SetFocus();
+    EXPECT_EQ(orders->State(), dsBrowse);
+    EXPECT_EQ(Stored().AsInteger(), 3);
+}
+
+TEST_F(Typing, AnotherRecordTakesWhatIsTypedAlong) {
+    Type(*box, "gas");
+    Application()->ProcessMessages();
+    orders->Next();
+    Settle();
+    EXPECT_EQ(box->Text(), "Gasol") << "the second record's own";
+    orders->Prior();
+    Settle();
+    EXPECT_EQ(Stored().AsInteger(), 4) << "what was typed was taken when the record was left";
+    EXPECT_EQ(box->Text(), "Gasol");
+}
+
 TEST_F(Typing, EscapeAfterACompletionShowsTheRecordsValue) {
     Type(*box, "gas");
     Pause();
