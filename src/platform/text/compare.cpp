@@ -10,14 +10,6 @@ namespace compare_detail {
 
 using FoldTable = std::array<char, 256>;
 
-constexpr unsigned char AnsiUpperByte(unsigned char c) {
-    if (c >= 'a' && c <= 'z') return static_cast<unsigned char>(c - 0x20);
-    if (c >= 0xE0 && c != 0xF7 && c != 0xFF) return static_cast<unsigned char>(c - 0x20);  // F7 is the division sign
-    if (c == 0xFF) return 0x9F;
-    if (c == 0x9A || c == 0x9C || c == 0x9E) return static_cast<unsigned char>(c - 0x10);
-    return c;
-}
-
 constexpr FoldTable MakeUpper() {
     FoldTable table{};
     for (unsigned i = 0; i < table.size(); ++i)
