@@ -40,6 +40,8 @@ struct EngineDialect {
     bool NullsAreLow = false;
     // Whether texts are ordered so that those with one beginning stand together, behind it.
     bool PrefixIsRange = false;
+    // Whether several questions go at once: a query for each value of a list, FROM unnest(?::text[]) ... LATERAL.
+    bool HasLateral = false;
     // Comparison with a pattern, whatever the letters' case.
     AnsiString Like = "LIKE";
     // IIF(condition, one, other); without it CASE does the same.

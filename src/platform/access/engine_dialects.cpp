@@ -31,6 +31,7 @@ EngineDialect PostgresqlDialect() {
     dialect.DateBefore = "DATE '";
     dialect.TimeBefore = "TIME '";
     dialect.DateTimeBefore = "TIMESTAMP '";
+    dialect.HasLateral = true;
     dialect.Like = "ILIKE";
     dialect.HoldRow = " FOR UPDATE";
     dialect.Memo = "TEXT";

@@ -36,6 +36,24 @@ class ProviderStatement {
     virtual int64_t Execute() = 0;
 };
 
+// An index that leads to a column's texts by their beginnings.
+struct TextIndex {
+    enum class Sorting {
+        None,                   // there is no such index
+        CodePoints,             // by the characters' numbers: capitals first, letters with accents last
+        CodePointsWithoutCase,  // the same, a to z being A to Z
+        Language                // as a language has it: the spellings of one word stand together, mostly
+    };
+    Sorting Order = Sorting::None;
+    // What stands behind the column's name to compare and order its texts as the index does; empty where the column
+    // does so by itself.
+    AnsiString Collation;
+    // What stands around comparisons ("~" for ~>=~) that the index knows.
+    AnsiString OperatorEdge;
+
+    bool IsColumnsOwn() const { return Collation.empty() && OperatorEdge.empty(); }
+};
+
 enum class SystemTables { Leave, Include };
 
 // A word from another user of the database: that something has changed, say.
@@ -61,6 +79,8 @@ class ProviderConnection {
     // The columns of a table's primary key, and of one of its indexes, in their order; empty when there is none.
     virtual std::vector<AnsiString> KeyColumns(const AnsiString& table) = 0;
     virtual std::vector<AnsiString> IndexColumns(const AnsiString& table, const AnsiString& index) = 0;
+    // The best index for a column's texts, of those that hold all records of a table.
+    virtual TextIndex TextIndexOf(const AnsiString& table, const AnsiString& column) { return {}; }
     // About how many records a table has, told without counting them; -1 where nobody knows: its queries are then read
     // from the beginning to the end, and not in pages.
     virtual int64_t EstimatedRows(const AnsiString& table) { return -1; }

@@ -12,7 +12,6 @@ namespace vyn {
 
 namespace table_pages_detail {
 
-constexpr char kEscape = '\\';
 // Of a text, how many characters say where it stands between others.
 constexpr size_t kTellingBytes = 6;
 
@@ -51,23 +50,6 @@ double TellingNumber(std::string_view text, size_t from) {
         number = number * kBytes + (from + i < text.size() ? static_cast<unsigned char>(text[from + i]) : 0);
     }
     return number;
-}
-
-// What a text may look like that people take for the same: letters beyond ASCII, and what is shown as "?", are any.
-AnsiString LooseName(const std::string& utf8) {
-    AnsiString pattern;
-    for (const char c : utf8) {
-        const auto byte = static_cast<unsigned char>(c);
-        constexpr unsigned char kFollowing = 0x80, kFollowingMask = 0xC0;
-        if ((byte & kFollowingMask) == kFollowing) continue;
-        if (byte >= kFollowing || c == '?') {
-            pattern += '_';
-            continue;
-        }
-        if (c == '%' || c == '_' || c == kEscape) pattern += kEscape;
-        pattern += c;
-    }
-    return pattern;
 }
 
 }  // namespace table_pages_detail
@@ -110,6 +92,7 @@ std::optional<std::vector<TablePages::OrderPart>> TablePages::TakeStatementOrder
             first = false;
         }
         if (depth == 0 && EndsPaging(token)) return std::nullopt;
+        if (depth == 0 && IsKeyword(token, "WHERE")) conditional_ = true;
         if (depth == 0 && IsKeyword(token, "ORDER")) {
             ordered = true;
             items.emplace_back();
@@ -289,9 +272,14 @@ void TablePages::Run(Statement& statement, int64_t skip, int64_t count, RowStore
     if (count <= 0) return;
     if (count < INT64_MAX) statement.text += " LIMIT " + IntToStr(count);
     if (skip > 0) statement.text += " OFFSET " + IntToStr(skip);
+    RunStatement(statement.text, query_.Columns, statement.values, rows);
+}
+
+void TablePages::RunStatement(const AnsiString& text, const std::vector<FieldDefinition>& columns,
+                              const std::vector<ProviderValue>& values, RowStore& rows) {
     query_.Ready();
-    ProviderStatement& prepared = prepared_.Get(statement.text, query_.Columns);
-    prepared.Bind(statement.values);
+    ProviderStatement& prepared = prepared_.Get(text, columns);
+    prepared.Bind(values);
     // To the end, so that the engine is done with it.
     while (prepared.Fetch(rows, INT64_MAX)) {
     }
@@ -334,55 +322,6 @@ bool TablePages::ReadAgain(const Record& row, RowStore& rows) {
     AddKey(statement, row, false);
     Run(statement, 0, INT64_MAX, rows);
     return rows.Count() > before;
-}
-
-void TablePages::AddSearch(Statement& statement, const PageSearch& wanted) const {
-    using namespace table_pages_detail;
-    const EngineDialect& dialect = connection_.Dialect();
-    const FieldDefinition& column = query_.Columns[static_cast<size_t>(wanted.Column)];
-    const AnsiString name = dialect.QuotedName(column.Name);
-    const std::string text(wanted.Value.AsBytes());
-    const auto add = [&](const AnsiString& condition, Cell value) {
-        statement.text += name + condition;
-        statement.values.push_back({column.DataType, std::move(value)});
-    };
-    switch (wanted.Comparison) {
-        case PageSearch::How::Equal:
-            if (wanted.Value.IsNull())
-                statement.text += name + " IS NULL";
-            else
-                add(" = ?", wanted.Value);
-            return;
-        case PageSearch::How::Begins:
-            if (dialect.PrefixIsRange) {
-                // Nothing sorts behind a text with this prefix but what has a greater one.
-                constexpr char kLastCharacter[] = "\xF4\x8F\xBF\xBF";
-                const std::string prefix = text.substr(0, text.find('?'));
-                add(" >= ?", Cell::Bytes(prefix));
-                statement.text += " AND ";
-                add(" <= ?", Cell::Bytes(prefix + kLastCharacter));
-                return;
-            }
-            [[fallthrough]];
-        case PageSearch::How::Like:
-            const AnsiString pattern = LooseName(text) + (wanted.Partial ? "%" : "");
-            add(" " + dialect.Like + " ? ESCAPE '" + AnsiString(1, kEscape) + "'", Cell::Bytes(pattern));
-            return;
-    }
-}
-
-void TablePages::ReadMatching(const std::vector<PageSearch>& wanted, const Record* after, int64_t count,
-                              RowStore& rows) {
-    Statement statement = Begin();
-    if (after) AddBeyond(statement, *after, Direction::Forward);
-    bool first = !after;
-    for (const PageSearch& search : wanted) {
-        statement.text += first ? " WHERE " : " AND ";
-        first = false;
-        AddSearch(statement, search);
-    }
-    AddOrder(statement, Direction::Forward);
-    Run(statement, 0, count, rows);
 }
 
 double TablePages::PartOf(const Record& row, const Record& first, const Record& last) const {

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <map>
 #include <optional>
 
 #include "platform/access/prepared_statements.h"
+#include "platform/access/spellings.h"
 #include "platform/data/row_pages.h"
 
 namespace vyn {
@@ -76,6 +78,42 @@ class TablePages final : public RowPages {
     void AddBeyondStepwise(Statement& statement, const Record& place, Direction direction) const;
     void AddOrder(Statement& statement, Direction direction) const;
     void AddSearch(Statement& statement, const PageSearch& wanted) const;
+    // Searching by a column's index (table_search.cpp).
+    // A column whose texts are searched, as the catalog had it when that was done first, and what it is asked.
+    struct SearchedColumn {
+        size_t column = 0;
+        TextIndex index;
+        Spellings::Direction direction = Spellings::Direction::Rising;
+        AnsiString name, order;
+        // The row at a place, its text alone, the rows at several places, and the row before a place.
+        AnsiString one, text, many, before;
+        AnsiString model;  // the text that was found last: others are spelled like it, mostly
+        // How many places ahead were of use lately, and whether those beyond the likely spelling were.
+        size_t ahead = 0;
+        bool beyond = false;
+    };
+    // An answer to where a spelling may stand: nothing stands from the place on to the text that was found.
+    struct Answer {
+        std::string place;
+        bool none = true;
+        std::string text;   // what was found
+        std::string found;  // the same as the index tells texts apart
+        int64_t row = -1;   // of the answers' rows, where more than the text was asked for
+    };
+    // Each puts the first row, if there is one; false when the question is open still.
+    bool FindByIndex(const PageSearch& wanted, RowStore& rows);
+    bool WalkSpellings(SearchedColumn& column, const TextSearch& search, const Spellings& spellings, RowStore& rows);
+    bool LookBesidePlain(SearchedColumn& column, const TextSearch& search, RowStore& rows);
+    bool Scan(SearchedColumn& column, const TextSearch& search, const std::string* from, const std::string* last,
+              RowStore& rows);
+    SearchedColumn& SearchedColumnOf(size_t column);
+    std::vector<Answer> Ask(SearchedColumn& column, const Spellings& spellings, const Spellings::Place& place);
+    void Take(SearchedColumn& column, int64_t row, RowStore& rows);
+    std::vector<ProviderValue> ValuesWith(const SearchedColumn& column, const std::string& place) const;
+    // Whether there is a row, which is the first of the answers' then.
+    bool AskRow(const AnsiString& sql, const SearchedColumn& column, const std::string& place);
+    void RunStatement(const AnsiString& text, const std::vector<FieldDefinition>& columns,
+                      const std::vector<ProviderValue>& values, RowStore& rows);
     void Read(const Record* place, int64_t skip, int64_t count, Direction direction, RowStore& rows);
     void Run(Statement& statement, int64_t skip, int64_t count, RowStore& rows);
 
@@ -84,6 +122,11 @@ class TablePages final : public RowPages {
     PreparedStatements prepared_;
     std::vector<Part> order_;
     std::optional<int64_t> estimate_;
+    // Whether the statement leaves records out.
+    bool conditional_ = false;
+    std::map<size_t, SearchedColumn> searched_;
+    RowStore answers_{std::vector<ColumnKind>()};
+    RowStore texts_{{ColumnKind::Text}};
 };
 
 }  // namespace vyn

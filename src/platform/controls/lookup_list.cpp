@@ -205,7 +205,10 @@ int64_t LookupList::Find(const LookupKey& key) {
     if (!data || key.size() != keys_.size()) return -1;
     if (data->IsPaged()) {
         const bool here = data->RowOf(data->CurrentRecord()) >= 0 && SameKeys(KeyOf(data->CurrentRecord()), key);
-        return here || data->Locate(KeyNames(), key) ? data->CurrentRecord() : -1;
+        if (!here && !data->Locate(KeyNames(), key)) return -1;
+        // Its number is one among those around it.
+        data->ShowCurrent();
+        return data->CurrentRecord();
     }
     const std::string wanted = KeyText(key);
     const size_t hash = HashOf(wanted);
@@ -232,8 +235,10 @@ int64_t LookupList::FindText(const AnsiString& text, int64_t from) const {
     if (!field) return -1;
     if (data->IsPaged()) {
         try {
-            if (data->Locate(field->FieldName(), Variant(text), {loCaseInsensitive, loPartialKey}))
+            if (data->Locate(field->FieldName(), Variant(text), {loCaseInsensitive, loPartialKey})) {
+                data->ShowCurrent();
                 return data->CurrentRecord();
+            }
         } catch (const EConvertError&) {
             // What is typed is no number, or no date yet: there is no such record.
         } catch (const EVariantError&) {

@@ -294,17 +294,20 @@ int64_t TDataSet::Reach(int64_t record, int64_t count) {
     if (!window_) return FetchTo(record + count);
     // What only shows records is not told again and again.
     if (ReadingFailed()) return window_->End();
-    // Rows change their places in memory: not while one of them is looked at.
-    if (window_->WantsCompacting() && !focused_) {
-        window_->Compact();
-        calculatedRow_ = -1;
-    }
+    ForgetOldRows();
     try {
         return window_->Reach(record, count);
     } catch (const EDatabaseError& error) {
         readingError_ = error.Message() + data_set_detail::kIncomplete;
         throw;
     }
+}
+
+void TDataSet::ForgetOldRows() {
+    // Rows change their places in memory: not while one of them is looked at.
+    if (!window_ || focused_ || !window_->WantsCompacting()) return;
+    window_->Compact();
+    calculatedRow_ = -1;
 }
 
 int64_t TDataSet::FetchTo(int64_t count) {

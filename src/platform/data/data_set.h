@@ -13,8 +13,9 @@
 
 namespace vyn {
 
-// How records are searched.
-enum class TLocateOption { loCaseInsensitive, loPartialKey };
+// How records are searched: without regard to letters' case; by what a text begins with; without regard to accents
+// (text/folding.h).
+enum class TLocateOption { loCaseInsensitive, loPartialKey, loAccentInsensitive };
 using enum TLocateOption;
 using TLocateOptions = Set<TLocateOption>;
 const EnumType& TypeInfoOf(TypeTag<TLocateOption>);
@@ -104,12 +105,19 @@ class TDataSet : public TComponent {
     int64_t RowOf(int64_t record) const;
 
     // Searching, from the first record on. Key fields are separated by semicolons, and there is a value for each. A
-    // null is found by Null; options concern texts only. Locate goes to the first record found and says whether there
-    // is one; Lookup gives the value of a field of it (Null when there is none) and stays.
+    // null is found by Null; options concern texts only: numbers and dates are found by what they equal. An empty
+    // beginning finds the first text that is not null. Locate goes to the first record found and says whether there is
+    // one; Lookup gives the value of a field of it (Null when there is none) and stays.
+    //
+    // The first is the first in the dataset's order. In a paged result, a text that is looked for without regard to
+    // case or accents in one column with an index is found by that index: then the first is the first by the index (of
+    // "be": Bea before Berta, in a list by number too), and costs little more than the engine's own query for it.
     bool Locate(const AnsiString& keyFields, const Variant& value, TLocateOptions options = {});
     bool Locate(const AnsiString& keyFields, const std::vector<Variant>& values, TLocateOptions options = {});
-    Variant Lookup(const AnsiString& keyFields, const Variant& value, const AnsiString& resultField);
-    Variant Lookup(const AnsiString& keyFields, const std::vector<Variant>& values, const AnsiString& resultField);
+    Variant Lookup(const AnsiString& keyFields, const Variant& value, const AnsiString& resultField,
+                   TLocateOptions options = {});
+    Variant Lookup(const AnsiString& keyFields, const std::vector<Variant>& values, const AnsiString& resultField,
+                   TLocateOptions options = {});
     // Finds as Locate does, and stays, in whatever state: while `look` runs, fields give the values of the record
     // found.
     bool LookUp(const AnsiString& keyFields, const Variant& value, TLocateOptions options,
@@ -247,11 +255,19 @@ class TDataSet : public TComponent {
     enum class Bookmarks { Forget, Keep };
     void ReopenAtCurrent(Bookmarks bookmarks);
     void GoTo(TBookmark bookmark);
+    // Where a search ended: a row, and the record that it is where all are kept.
+    struct FoundRow {
+        int64_t Row = -1;
+        int64_t Record = -1;
+    };
+    void GoTo(const FoundRow& found);
+    void HoldCurrent(int64_t row);
     void BindFields();
     void FreeOwnFields();
     void MoveTo(int64_t record);
-    // The first row that matches, or -1.
-    int64_t FindRow(const KeyMatcher& matcher);
+    // The first row that matches, or none.
+    FoundRow FindRow(const KeyMatcher& matcher);
+    void ForgetOldRows();
     TField* DataFieldByName(const AnsiString& name) const;
     // The row whose values fields give: the current record's, or that of the record being looked at.
     int64_t ActiveRow() const;

@@ -11,7 +11,7 @@
 namespace vyn {
 
 const EnumType& TypeInfoOf(TypeTag<TLocateOption>) {
-    static const EnumType info("TLocateOption", {"loCaseInsensitive", "loPartialKey"});
+    static const EnumType info("TLocateOption", {"loCaseInsensitive", "loPartialKey", "loAccentInsensitive"});
     return info;
 }
 
@@ -40,22 +40,33 @@ struct TDataSet::KeyMatcher {
     struct Key {
         const TField* field;
         Variant value;
-        AnsiString text;   // as the field would show it
-        std::string utf8;  // and as rows keep it
+        std::string utf8;  // as rows keep it
+        TextSearch search;
+        bool none;
+        bool isText;
+        int column;  // of the rows, or -1
     };
+    const TDataSet& data;
     std::vector<Key> keys;
-    TLocateOptions options;
 
-    KeyMatcher(const TDataSet& data, const AnsiString& names, const std::vector<Variant>& values, TLocateOptions how)
-        : options(how) {
+    KeyMatcher(const TDataSet& dataSet, const AnsiString& names, const std::vector<Variant>& values,
+               TLocateOptions options)
+        : data(dataSet) {
         const auto parts = data_set_search_detail::SplitNames(names, ';');
         if (parts.empty() || parts.size() != values.size())
             data.DatabaseError("There are " + IntToStr(static_cast<int64_t>(parts.size())) + " key fields (" + names +
                                ") and " + IntToStr(static_cast<int64_t>(values.size())) + " values");
+        const TextFolding folding =
+            FoldingOf(options.Contains(loCaseInsensitive), options.Contains(loAccentInsensitive));
+        const auto extent = options.Contains(loPartialKey) ? TextSearch::Extent::Beginning : TextSearch::Extent::Whole;
         for (size_t i = 0; i < parts.size(); ++i) {
-            Key key{data.FieldByName(parts[i]), values[i], VarToStr(values[i]), {}};
-            key.utf8 = values[i].Type() == varOleStr ? WideToUtf8(values[i].AsWideString()) : AnsiToUtf8(key.text);
-            keys.push_back(std::move(key));
+            const TField* field = data.FieldByName(parts[i]);
+            const AnsiString text = VarToStr(values[i]);
+            keys.push_back({field, values[i],
+                            values[i].Type() == varOleStr ? WideToUtf8(values[i].AsWideString()) : AnsiToUtf8(text),
+                            TextSearch(text, folding, extent), values[i].IsNull() || values[i].IsEmpty(),
+                            ColumnKindOf(field->DataType()) == ColumnKind::Text,
+                            field->FieldKind() == fkData ? field->FieldNo() : -1});
         }
     }
 
@@ -68,21 +79,17 @@ struct TDataSet::KeyMatcher {
     std::vector<PageSearch> Searches() const {
         std::vector<PageSearch> searches;
         for (const Key& key : keys) {
-            const int column = key.field->FieldKind() == fkData ? key.field->FieldNo() : -1;
-            if (column < 0) continue;
-            PageSearch search{column, PageSearch::How::Equal, Cell::Null(), false};
-            const bool none = key.value.IsNull() || key.value.IsEmpty();
-            const ColumnKind kind = ColumnKindOf(key.field->DataType());
-            if (!none && kind == ColumnKind::Text) {
+            if (key.column < 0) continue;
+            PageSearch search{key.column, Cell::Null()};
+            const bool isNumber =
+                ColumnKindOf(key.field->DataType()) == ColumnKind::Integer && key.field->DataType() != ftBoolean;
+            if (!key.none && key.isText) {
                 search.Value = Cell::Bytes(key.utf8);
-                search.Partial = options.Contains(loPartialKey);
-                if (options.Contains(loCaseInsensitive))
-                    search.Comparison = PageSearch::How::Like;
-                else if (search.Partial)
-                    search.Comparison = PageSearch::How::Begins;
-            } else if (!none && kind == ColumnKind::Integer && key.field->DataType() != ftBoolean) {
+                search.Folding = key.search.Folding();
+                search.Extent = key.search.HowMuch();
+            } else if (!key.none && isNumber) {
                 search.Value = CellOf(key.value, key.field->DataType());
-            } else if (!none) {
+            } else if (!key.none) {
                 continue;
             }
             searches.push_back(std::move(search));
@@ -91,20 +98,22 @@ struct TDataSet::KeyMatcher {
     }
 
   private:
+    static bool TextMatches(const Key& key, std::string_view utf8) {
+        // Exactly what is asked for, also in characters that cannot be shown.
+        const bool exact =
+            key.search.Folding() == TextFolding::None && key.search.HowMuch() == TextSearch::Extent::Whole;
+        return exact ? utf8 == key.utf8 : key.search.FindsIn(utf8);
+    }
+
     bool KeyMatches(const Key& key, int64_t row) const {
-        const bool none = key.field->IsNullInRow(row);
-        if (key.value.IsNull() || key.value.IsEmpty() || none)
-            return none && (key.value.IsNull() || key.value.IsEmpty());
-        if (ColumnKindOf(key.field->DataType()) == ColumnKind::Text) {
-            const Cell cell = key.field->CellIn(row);
-            if (options.Empty()) return cell.AsBytes() == key.utf8;
-            AnsiString held = Utf8ToAnsiLossy(cell.AsBytes());
-            if (options.Contains(loPartialKey)) {
-                if (held.size() < key.text.size()) return false;
-                held.resize(key.text.size());
-            }
-            return options.Contains(loCaseInsensitive) ? AnsiSameText(held, key.text) : held == key.text;
+        // Mostly straight from the rows.
+        if (key.isText && !key.none && key.column >= 0 && !data.EditedCell(row, key.column)) {
+            const RowStore& rows = *data.rows_;
+            return !rows.IsNull(row, key.column) && TextMatches(key, rows.Bytes(row, key.column));
         }
+        const bool none = key.field->IsNullInRow(row);
+        if (key.none || none) return none && key.none;
+        if (key.isText) return TextMatches(key, key.field->CellIn(row).AsBytes());
         const Variant held = key.field->ValueInRow(row);
         if (held.Type() == varDate && key.value.Type() == varDate)
             return data_set_search_detail::SameInstant(held.AsDateTime().Val, key.value.AsDateTime().Val);
@@ -112,13 +121,15 @@ struct TDataSet::KeyMatcher {
     }
 };
 
-int64_t TDataSet::FindRow(const KeyMatcher& matcher) {
+TDataSet::FoundRow TDataSet::FindRow(const KeyMatcher& matcher) {
     TryReadingAgain();
-    if (window_) return window_->Find(matcher.Searches(), [&](int64_t row) { return matcher.Matches(row); });
-    for (int64_t record = 0; record < FetchTo(record + 1); ++record)
-        if (const int64_t row = RowOf(record); matcher.Matches(row)) return row;
+    ForgetOldRows();
+    if (window_) return {window_->Find(matcher.Searches(), [&](int64_t row) { return matcher.Matches(row); })};
+    for (int64_t record = 0; record < FetchTo(record + 1);)
+        for (const int64_t end = RecordsFetched(); record < end; ++record)
+            if (const int64_t row = RowOf(record); matcher.Matches(row)) return {row, record};
     RequireAllRead();
-    return -1;
+    return {};
 }
 
 bool TDataSet::Locate(const AnsiString& keyFields, const Variant& value, TLocateOptions options) {
@@ -127,29 +138,32 @@ bool TDataSet::Locate(const AnsiString& keyFields, const Variant& value, TLocate
 
 bool TDataSet::Locate(const AnsiString& keyFields, const std::vector<Variant>& values, TLocateOptions options) {
     CheckBrowseMode();
-    const int64_t row = FindRow(KeyMatcher(*this, keyFields, values, options));
-    if (row < 0) return false;
-    GoTo({keys_ ? keys_->IdentityOf(*rows_, row) : rows_->Identity(row), opening_});
+    const FoundRow found = FindRow(KeyMatcher(*this, keyFields, values, options));
+    if (found.Row < 0) return false;
+    GoTo(found);
     return true;
 }
 
-Variant TDataSet::Lookup(const AnsiString& keyFields, const Variant& value, const AnsiString& resultField) {
-    return Lookup(keyFields, std::vector<Variant>{value}, resultField);
+Variant TDataSet::Lookup(const AnsiString& keyFields, const Variant& value, const AnsiString& resultField,
+                         TLocateOptions options) {
+    return Lookup(keyFields, std::vector<Variant>{value}, resultField, options);
 }
 
-Variant TDataSet::Lookup(const AnsiString& keyFields, const std::vector<Variant>& values,
-                         const AnsiString& resultField) {
+Variant TDataSet::Lookup(const AnsiString& keyFields, const std::vector<Variant>& values, const AnsiString& resultField,
+                         TLocateOptions options) {
     CheckActive();
     const TField* field = FieldByName(resultField);
-    const int64_t row = FindRow(KeyMatcher(*this, keyFields, values, {}));
-    return row < 0 ? Variant::Null() : field->ValueInRow(row);
+    const FoundRow found = FindRow(KeyMatcher(*this, keyFields, values, options));
+    return found.Row < 0 ? Variant::Null() : field->ValueInRow(found.Row);
 }
 
 bool TDataSet::LookUp(const AnsiString& keyFields, const Variant& value, TLocateOptions options,
                       const std::function<void()>& look) {
     CheckActive();
+    // Before what is read for this alone.
+    ForgetOldRows();
     const int64_t before = rows_->Count();
-    const int64_t row = FindRow(KeyMatcher(*this, keyFields, {value}, options));
+    const int64_t row = FindRow(KeyMatcher(*this, keyFields, {value}, options)).Row;
     if (row < 0) return false;
     // What was read for this alone is not kept: who only looks records up reads them by the thousand.
     const int64_t after = rows_->Count();
@@ -207,12 +221,7 @@ void TDataSet::GotoBookmark(TBookmark bookmark) {
 }
 
 void TDataSet::GoTo(TBookmark bookmark) {
-    if (!window_) {
-        bof_ = eof_ = false;
-        MoveTo(RecordOf(bookmark));
-        return;
-    }
-    if (const int64_t record = RecordOf(bookmark); record >= 0) {
+    if (const int64_t record = RecordOf(bookmark); !window_ || record >= 0) {
         bof_ = eof_ = false;
         MoveTo(record);
         return;
@@ -222,8 +231,26 @@ void TDataSet::GoTo(TBookmark bookmark) {
     // Others may have deleted it, and handlers may have gone elsewhere.
     const int64_t row = window_ ? window_->RowOfIdentity(bookmark.Identity) : -1;
     if (row < 0) DatabaseError("Record not found");
+    HoldCurrent(row);
+}
+
+void TDataSet::GoTo(const FoundRow& found) {
+    if (!window_) {
+        bof_ = eof_ = false;
+        MoveTo(found.Record);
+    } else if (BeforeScroll) {
+        // Handlers may go elsewhere: by its key it is found again.
+        GoTo(TBookmark{keys_->IdentityOf(*rows_, found.Row), opening_});
+    } else {
+        HoldCurrent(found.Row);
+    }
+}
+
+// What stands around it is read when somebody shows it, or moves.
+void TDataSet::HoldCurrent(int64_t row) {
     bof_ = eof_ = false;
-    window_->ShowAround(row);
+    window_->Hold(row);
+    calculatedRow_ = -1;
     SettleNumbers();
     Announce(DataEvent::Scrolled);
     AfterScroll(this);

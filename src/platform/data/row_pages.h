@@ -5,20 +5,20 @@
 #include <vector>
 
 #include "platform/data/row_store.h"
+#include "platform/text/folding.h"
 
 namespace vyn {
 
-// What is looked for in one column, as far as an engine can look for it: it may find more, never less.
+// What is looked for in one column, as far as an engine can look for it: it may find more, never less. A value that is
+// equal, or a null; texts also by their beginnings, and folded (text/folding.h): what is shown in Windows-1252 is
+// compared then.
 struct PageSearch {
-    enum class How {
-        Equal,   // the value, or a null
-        Begins,  // a text that begins so
-        Like,    // a text that is so, whatever its letters' case
-    };
     int Column = 0;
-    How Comparison = How::Equal;
     Cell Value;
-    bool Partial = false;  // Begins, or Like what the text begins with
+    TextFolding Folding = TextFolding::None;
+    TextSearch::Extent Extent = TextSearch::Extent::Whole;
+
+    bool IsExact() const { return Folding == TextFolding::None && Extent == TextSearch::Extent::Whole; }
 };
 
 // A large result, in an order in which no two rows stand at the same place, read in pieces where they are wanted. What
@@ -36,7 +36,9 @@ class RowPages {
     virtual bool ReadFrom(const Record& first, const Record& last, double part, int64_t count, RowStore& rows) = 0;
     // Puts the row with the same key, as it is now; false when it is gone.
     virtual bool ReadAgain(const Record& row, RowStore& rows) = 0;
-    // Puts up to `count` rows that are as is wanted, behind a row, or from the beginning.
+    // Puts up to `count` rows that are as is wanted, behind a row, or from the beginning. When one folded text is
+    // all that is wanted, the column's index may lead to it: then the first row comes alone, which is the first by that
+    // index, whatever the order of the result.
     virtual void ReadMatching(const std::vector<PageSearch>& wanted, const Record* after, int64_t count,
                               RowStore& rows) = 0;
     // About which part of the way between two rows a row stands at, 0 to 1.

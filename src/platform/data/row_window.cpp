@@ -249,6 +249,20 @@ void RowWindow::ShowAround(int64_t row) {
     if (atEnd_) expected_ = End();
 }
 
+void RowWindow::Hold(int64_t row) {
+    for (size_t i = 0; i < view_.size(); ++i) {
+        if (!keys_.Same(rows_, view_[i], row)) continue;
+        // As it was read last.
+        if (view_[i] != row) rows_.Replace(view_[i], rows_.RecordAt(row));
+        heldRow_ = -1;
+        current_ = base_ + static_cast<int64_t>(i);
+        return;
+    }
+    heldRow_ = row;
+    // Its number is no other record's.
+    current_ = base_ > 0 ? base_ - 1 : End();
+}
+
 bool RowWindow::Reload() {
     firstRow_.reset();
     lastRow_.reset();
@@ -313,7 +327,8 @@ void RowWindow::Written(int64_t row) {
         expected_ = End();
         return;
     }
-    misplaced_[row] = KeyAt(row);
+    // One that is held comes where it belongs when the window gets there.
+    if (row != heldRow_) misplaced_[row] = KeyAt(row);
 }
 
 int64_t RowWindow::RecordOfIdentity(int64_t identity) const {

@@ -47,6 +47,9 @@ class RowWindow {
     bool StepTo(int64_t record);
     // Goes to where a row of the store stands and makes it the current record, whose number is kept if possible.
     void ShowAround(int64_t row);
+    // Makes a row of the store the current record, and reads nothing: it is held until somebody goes there, or becomes
+    // the record with its key that is here.
+    void Hold(int64_t row);
     // Reads anew what stands around the current record; when that is gone, its neighbour is current. False when there
     // is no record at all.
     bool Reload();

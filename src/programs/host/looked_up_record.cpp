@@ -7,8 +7,8 @@ namespace vyn {
 
 namespace looked_up_detail {
 
-const TLocateOptions kTyped = {loCaseInsensitive, loPartialKey};
-const TLocateOptions kWhole = {loCaseInsensitive};
+const TLocateOptions kTyped = {loCaseInsensitive, loPartialKey, loAccentInsensitive};
+const TLocateOptions kWhole = {loCaseInsensitive, loAccentInsensitive};
 
 }  // namespace looked_up_detail
 

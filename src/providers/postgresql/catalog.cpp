@@ -80,6 +80,49 @@ std::vector<AnsiString> PostgresqlConnection::IndexColumns(const AnsiString& tab
     return names;
 }
 
+// Fixed-length texts compare without the blanks at their ends: they are left to the server. Older servers lack some of
+// the columns that are taken out of whole rows here.
+constexpr char kTextIndexes[] =
+    "SELECT o.opcname LIKE '%pattern_ops', i.indcollation[0] = a.attcollation, "
+    "CASE WHEN c.collprovider = 'd' THEN coalesce(to_jsonb(d) ->> 'datlocprovider', 'c') ELSE c.collprovider::text "
+    "END, lower(CASE WHEN c.collprovider = 'd' THEN d.datcollate ELSE c.collcollate END), "
+    "quote_ident(n.nspname) || '.' || quote_ident(c.collname), getdatabaseencoding() "
+    "FROM pg_index AS i JOIN pg_class AS x ON x.oid = i.indexrelid JOIN pg_am AS m ON m.oid = x.relam "
+    "JOIN pg_attribute AS a ON a.attrelid = i.indrelid AND a.attnum = i.indkey[0] "
+    "JOIN pg_opclass AS o ON o.oid = i.indclass[0] JOIN pg_collation AS c ON c.oid = i.indcollation[0] "
+    "JOIN pg_namespace AS n ON n.oid = c.collnamespace JOIN pg_database AS d ON d.datname = current_database() "
+    "WHERE m.amname = 'btree' AND i.indisvalid AND i.indpred IS NULL AND a.atttypid IN ('text'::regtype, "
+    "'varchar'::regtype) AND coalesce(to_jsonb(c) ->> 'collisdeterministic', 'true') = 'true' AND a.attname = $2 AND "
+    "i.indrelid = ";
+
+TextIndex PostgresqlConnection::TextIndexOf(const AnsiString& table, const AnsiString& column) {
+    const Result result = Question(std::string(kTextIndexes) + kTableOf, {table, column});
+    const auto text = [&](int row, int field) { return AnsiString(PQgetvalue(result.get(), row, field)); };
+    TextIndex best;
+    int points = 0;
+    for (int row = 0; row < PQntuples(result.get()); ++row) {
+        const bool pattern = text(row, 0) == "t", own = text(row, 1) == "t";
+        const AnsiString provider = text(row, 2), order = text(row, 3);
+        // The server's own orders, and those of the system that have no language.
+        const bool plain =
+            provider == "b" ||
+            (provider == "c" && (order == "c" || order == "posix" || order == "c.utf-8" || order == "c.utf8"));
+        const bool byCodePoints = (pattern || plain) && text(row, 5) == "UTF8";
+        TextIndex index;
+        index.Order = byCodePoints ? TextIndex::Sorting::CodePoints : TextIndex::Sorting::Language;
+        if (pattern)
+            index.OperatorEdge = "~";
+        else if (!own)
+            index.Collation = " COLLATE " + Utf8ToAnsiLossy(text(row, 4));
+        // An order without a language first, then the column's own.
+        const int worth = 1 + (byCodePoints ? 2 : 0) + (index.IsColumnsOwn() ? 1 : 0);
+        if (worth <= points || (!byCodePoints && !index.IsColumnsOwn())) continue;
+        points = worth;
+        best = std::move(index);
+    }
+    return best;
+}
+
 // A table that the server has not looked through yet is judged by its size.
 int64_t PostgresqlConnection::EstimatedRows(const AnsiString& table) {
     const std::vector<AnsiString> rows =

@@ -80,6 +80,7 @@ class PostgresqlConnection final : public ProviderConnection {
     bool IsTable(const AnsiString& name) override;
     std::vector<AnsiString> KeyColumns(const AnsiString& table) override;
     std::vector<AnsiString> IndexColumns(const AnsiString& table, const AnsiString& index) override;
+    TextIndex TextIndexOf(const AnsiString& table, const AnsiString& column) override;
     int64_t EstimatedRows(const AnsiString& table) override;
     int Begin() override;
     int Commit() override;

@@ -149,4 +149,33 @@ std::vector<AnsiString> ListIndexColumns(sqlite3* database, const AnsiString& ta
     return names;
 }
 
+TextIndex FindTextIndex(sqlite3* database, const AnsiString& table, const AnsiString& column) {
+    const char* declared = nullptr;
+    const char* collation = nullptr;
+    const std::string tableName = AnsiToUtf8(table), columnName = AnsiToUtf8(column);
+    const int known = sqlite3_table_column_metadata(database, nullptr, tableName.c_str(), columnName.c_str(), &declared,
+                                                    &collation, nullptr, nullptr, nullptr);
+    if (known != SQLITE_OK || !declared || !collation) return {};
+    // Columns of other types keep a text of digits as a number, which stands elsewhere.
+    const AnsiString type = UpperCase(declared);
+    const auto has = [&](const char* word) { return type.find(word) != AnsiString::npos; };
+    if (has("INT") || !(has("CHAR") || has("CLOB") || has("TEXT"))) return {};
+    const AnsiString own = UpperCase(collation);
+    catalog_detail::Question question(
+        database,
+        "SELECT upper(i.coll) FROM pragma_index_list(?) AS l, pragma_index_xinfo(l.name) AS i WHERE l.partial = 0 AND "
+        "i.seqno = 0 AND i.name = ? COLLATE NOCASE AND i.coll COLLATE NOCASE IN ('BINARY', 'NOCASE')",
+        {tableName, columnName});
+    TextIndex best;
+    while (question.Next()) {
+        const AnsiString order = question.Text(0);
+        const bool better =
+            best.Order == TextIndex::Sorting::None || order == own || (!best.IsColumnsOwn() && order == "BINARY");
+        if (!better) continue;
+        best.Order = order == "BINARY" ? TextIndex::Sorting::CodePoints : TextIndex::Sorting::CodePointsWithoutCase;
+        best.Collation = order == own ? AnsiString() : " COLLATE " + order;
+    }
+    return best;
+}
+
 }  // namespace vyn::sqlite_provider

@@ -130,6 +130,10 @@ class SqliteConnection final : public ProviderConnection {
         return ListIndexColumns(Database(), table, index);
     }
 
+    TextIndex TextIndexOf(const AnsiString& table, const AnsiString& column) override {
+        return FindTextIndex(Database(), table, column);
+    }
+
     // A statement may have begun or ended a transaction by itself.
     int TransactionDepth() const override { return sqlite3_get_autocommit(Database()) ? 0 : std::max(depth_, 1); }
     void SetCommandTimeout(int seconds) override { session_.SetCommandTimeout(seconds); }

@@ -69,6 +69,7 @@ std::vector<AnsiString> ListKeyColumns(sqlite3* database, const AnsiString& tabl
 // The greatest row number there is; -1 for tables without.
 int64_t LastRowNumber(sqlite3* database, const AnsiString& table);
 std::vector<AnsiString> ListIndexColumns(sqlite3* database, const AnsiString& table, const AnsiString& index);
+TextIndex FindTextIndex(sqlite3* database, const AnsiString& table, const AnsiString& column);
 
 }  // namespace sqlite_provider
 

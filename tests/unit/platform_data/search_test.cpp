@@ -52,6 +52,51 @@ TEST_F(Search, LocateMindsLettersAndLengthUnlessItIsTold) {
     EXPECT_EQ(Found("Name", {Variant("n\xDA\xD1")}, {loPartialKey, loCaseInsensitive}), 2);
 }
 
+TEST_F(Search, LocateMindsAccentsUnlessItIsTold) {
+    EXPECT_EQ(Found("Name", {Variant("Nunez")}, {loCaseInsensitive}), 0);
+    EXPECT_EQ(Found("Name", {Variant("Nunez")}, {loAccentInsensitive}), 2);
+    EXPECT_EQ(Found("Name", {Variant("nunez")}, {loAccentInsensitive}), 0);
+    EXPECT_EQ(Found("Name", {Variant("nunez")}, {loAccentInsensitive, loCaseInsensitive}), 2);
+    EXPECT_EQ(Found("Name", {Variant("N\xDAN")}, {loAccentInsensitive, loCaseInsensitive, loPartialKey}), 2);
+    EXPECT_EQ(Found("Name", {Variant("s\xF3l")}, {loAccentInsensitive, loCaseInsensitive, loPartialKey}), 1);
+    EXPECT_EQ(Found("Name;Id", {Variant("s\xF3l"), Variant(3)}, {loAccentInsensitive, loPartialKey}), 3);
+    EXPECT_EQ(data.Lookup("Name", Variant("nu"), "Id", {loAccentInsensitive, loCaseInsensitive, loPartialKey}),
+              Variant(2));
+    EXPECT_TRUE(data.Lookup("Name", Variant("nu"), "Id").IsNull());
+}
+
+TEST_F(Search, WhatCannotBeShownIsFoundByQuestionMarks) {
+    data.Stored.push_back(MemoryDataSet::Row(9,
+                                             "\xC4\x8D"
+                                             "apek"));
+    data.Close();
+    data.Open();
+    EXPECT_EQ(Found("Name", {Variant("?AP")}, {loCaseInsensitive, loPartialKey}), 9);
+    EXPECT_EQ(Found("Name", {Variant("cap")}, {loAccentInsensitive, loPartialKey}), 0);
+    EXPECT_EQ(Found("Name", {Variant("?apek")}), 0);
+    EXPECT_EQ(Found("Name", {Variant(Utf8ToWide("\xC4\x8D"
+                                                "apek"))}),
+              9);
+}
+
+TEST_F(Search, AnEmptyBeginningFindsTheFirstTextThatIsNotNull) {
+    data.SetSort("Name");
+    data.First();
+    EXPECT_TRUE(data.FieldByName("Name")->IsNull());
+    EXPECT_EQ(Found("Name", {Variant("")}, {loPartialKey}), 2);
+    EXPECT_EQ(Found("Name", {Variant("")}, {loPartialKey, loAccentInsensitive}), 2);
+    EXPECT_EQ(Found("Name", {Variant("")}, {loAccentInsensitive}), 0);
+}
+
+TEST_F(Search, ARecordInEditingIsLookedUpAsItIsTyped) {
+    data.Edit();
+    data.FieldByName("Name")->SetAsString("\xC0vila");
+    EXPECT_EQ(data.Lookup("Name", Variant("av"), "Id", {loAccentInsensitive, loCaseInsensitive, loPartialKey}),
+              Variant(1));
+    EXPECT_EQ(data.Lookup("Name", Variant("Soler"), "Id"), Variant(5));
+    data.Cancel();
+}
+
 TEST_F(Search, LocateThatFindsNothingStays) {
     data.Last();
     EXPECT_FALSE(data.Locate("Name", Variant("nobody")));
