@@ -181,20 +181,22 @@ void TVynEditBox::RecordChanged() {
 
 void TVynEditBox::DataChange() {
     if (HasState(csDestroying)) return;
-    if (DataLinkType() == dlt_Field && Field()) TakeFieldLimits();
+    TakeFieldLimits();
     UpdateButonEnabled();
     ShowText();
 }
 
 void TVynEditBox::TakeFieldLimits() {
-    const TField* field = Field();
+    const TField* field = DataLinkType() == dlt_Field ? Field() : nullptr;
+    // A dataset that is closed for a while brings the same field back; what is looked up has no field's bounds.
+    if (!field && DataLinkType() == dlt_Field) return;
     if (field != lastField_) {
         const Flagged updating(updatingText_, *this);
         lastField_ = field;
         SetEditText({});
         if (maxLengthOfField_) SetMaxLength(0);
     }
-    if (MaxLength() == 0 && (field->DataType() == ftString || field->DataType() == ftWideString)) {
+    if (field && MaxLength() == 0 && (field->DataType() == ftString || field->DataType() == ftWideString)) {
         SetMaxLength(field->Size());
         maxLengthOfField_ = true;
     }

@@ -217,6 +217,12 @@ TEST_F(PlainField, AStringFieldGivesItsSizeAsMaxLengthWhenNoneIsSet) {
     EXPECT_TRUE(bounded->IsMaxLengthStored());
     title->SetDataField("Customer");
     EXPECT_EQ(title->MaxLength(), 0) << "another field brings its own";
+    title->SetDataField("Title");
+    EXPECT_EQ(title->MaxLength(), 10);
+    title->SetDataLinkType(dlt_Search);
+    EXPECT_EQ(title->MaxLength(), 0) << "what is looked up is as long as it is";
+    bounded->SetDataLinkType(dlt_Search);
+    EXPECT_EQ(bounded->MaxLength(), 5);
 }
 
 TEST_F(PlainField, AFieldThatIsNotThereShowsNothingAndIsReadOnly) {
