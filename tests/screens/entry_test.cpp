@@ -330,6 +330,17 @@ TEST_P(EntryTest, ACustomerThatIsNotThereIsAddedAndComesBackChosen) {
     EXPECT_EQ(RowsOf("SELECT client, adreca FROM comandes WHERE id > 4000"), std::vector<std::string>{"501|Ronda 1"});
 }
 
+TEST_P(EntryTest, WhatIsLookedUpFollowsWhenTheScreenIsRefreshed) {
+    Open("Entrada de comandes");
+    EXPECT_EQ(Looked("Client"), "Serralleria Ferrer");
+    // Another screen of the program.
+    ObjectCast<TADOConnection>(FindGlobalComponent("Dades.Connexio"))
+        ->Execute("UPDATE clients SET nom = 'Serralleria Nova' WHERE nom = 'Serralleria Ferrer'");
+    EXPECT_EQ(Looked("Client"), "Serralleria Ferrer");
+    Press("Actualitzar");
+    EXPECT_EQ(Looked("Client"), "Serralleria Nova");
+}
+
 TEST_P(EntryTest, TheOrderScreenStoresNeitherItsNodeNorWhatItLooksUpIn) {
     Open("Entrada de comandes");
     EXPECT_EQ(Looked("Client"), "Serralleria Ferrer");

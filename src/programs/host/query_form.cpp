@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "datasources/Uvyndatasources.h"
 #include "platform/controls/form_classes.h"
 #include "platform/controls/labels.h"
 #include "platform/controls/status_bars.h"
@@ -83,7 +84,13 @@ void TFRMSQLGeneric::ActualitzarClick(TObject*) {
         return query->QryDataSet() == consulta && query->LocateOnRefresh;
     });
     const int64_t record = consulta->Active() ? consulta->CurrentRecord() : 0;
-    if (queries.empty()) consulta->Close();
+    // What the form's controls look up may have changed as well.
+    for (int i = 0; i < ComponentCount(); ++i)
+        if (auto* source = ObjectCast<TVynDataSource>(Components(i))) source->AutoRefresh();
+    // With a statement of its own it is read again, unless that would take away what is typed.
+    const bool composed = std::any_of(queries.begin(), queries.end(),
+                                      [&](const TQuerySQL* query) { return query->QryDataSet() == consulta; });
+    if (!composed && !consulta->IsEditing()) consulta->Close();
     ShowQueries();
     if (!located && consulta->Active()) consulta->SetCurrentRecord(record);
 }
