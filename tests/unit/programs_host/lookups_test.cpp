@@ -27,6 +27,17 @@ TEST_F(HostLookups, ATypedTextFindsWhatBeginsSo) {
     EXPECT_EQ(Found(form, "nom", "arc"), "") << "not in the middle";
 }
 
+TEST_F(HostLookups, AccentsAreAsTheyAreTyped) {
+    connection->Execute("INSERT INTO clients (id, nom) VALUES (6, 'Ñandú'), (7, 'Nandu'), (8, 'ÀGORA')"_w);
+    auto& form = Open<>(2);
+    EXPECT_EQ(Found(form, "nom", "garcia"), "3");
+    EXPECT_EQ(Found(form, "nom", "garc\xED"), "3");
+    EXPECT_EQ(Found(form, "nom", "agor"), "8");
+    EXPECT_EQ(Found(form, "nom", "\xE1g"), "8");
+    EXPECT_EQ(Found(form, "nom", "Nandu"), "7") << "just as it is written comes first";
+    EXPECT_EQ(Found(form, "nom", "\xD1\x61nd\xFA"), "6");
+}
+
 TEST_F(HostLookups, TheWholeTextComesBeforeLongerOnes) {
     auto& form = Open<>(2);
     EXPECT_EQ(Found(form, "nom", "pui"), "1");
