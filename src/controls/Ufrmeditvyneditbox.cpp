@@ -307,7 +307,16 @@ void TFRMeditVynEditBox::FormKeyPress(TObject*, char& Key) {
     // The first closes a list that is open.
     if (const auto* list = ObjectCast<TComboBox>(ActiveControl()); list && list->DroppedDown()) return;
     Key = 0;
+    if (Writes() && TypesWait())
+        Part<TComboBox>("cbAutoSearchMiliseconds").SetText(IntToStr(editBox_->AutoSearchWaitMiliSeconds()));
     Close();
+}
+
+bool TFRMeditVynEditBox::TypesWait() const { return ActiveControl() == &Part<TComboBox>("cbAutoSearchMiliseconds"); }
+
+bool TFRMeditVynEditBox::CloseQuery() {
+    if (Writes() && TypesWait()) cbAutoSearchMilisecondsExit(this);
+    return TForm::CloseQuery();
 }
 
 void DoEdit_EditBox(TVynEditBox* box) {

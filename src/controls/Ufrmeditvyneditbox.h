@@ -39,7 +39,9 @@ class TFRMeditVynEditBox : public TForm {
     // Fill the list that opens with the names of the values of what is looked up, which is opened for it.
     void cbChildDataKeyDropDown(TObject* Sender);
     void bbAddAutoAssignClick(TObject* Sender);
+    // Escape gives a wait that is still being typed up; any other way of closing takes it.
     void FormKeyPress(TObject* Sender, char& Key);
+    bool CloseQuery() override;
 
   protected:
     void Notification(TComponent* component, TOperation operation) override;
@@ -56,6 +58,7 @@ class TFRMeditVynEditBox : public TForm {
     // Both labels: the components that the data source's lookups use; and of the box's own, the boxes that share it,
     // "/", all boxes that look something up there. "-" without a data source, "(Sin)" without a component.
     void ShowGeneralInfo();
+    bool TypesWait() const;
     // Whether a handler writes: not while the dialog fills itself, nor without a box.
     bool Writes() const { return editBox_ && !initializing_; }
     // Writes, then fills the lists that depend on it.

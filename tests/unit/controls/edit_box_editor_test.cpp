@@ -294,6 +294,27 @@ TEST_F(EditBoxEditor, EscapeClosesItAndAnOpenListFirst) {
     EXPECT_EQ(key, 'x');
 }
 
+TEST_F(EditBoxEditor, AWaitThatIsBeingTypedIsTakenWhenTheDialogClosesAndGivenUpByEscape) {
+    const auto typeWait = [&](const AnsiString& text) {
+        OpenDialog();
+        dialog->Show();
+        Part<TPageControl>("pcPages").SetActivePage(&Part<TTabSheet>("tsBuscar"));
+        Combo("cbAutoSearchMiliseconds").SetFocus();
+        Write("cbAutoSearchMiliseconds", text);
+    };
+    typeWait("250");
+    dialog->Close();
+    EXPECT_FALSE(dialog->Visible());
+    EXPECT_EQ(box->AutoSearchWaitMiliSeconds(), 250u);
+    typeWait("20000");
+    EXPECT_EQ(ErrorOf([&] { dialog->Close(); }), "Exception: WaitMiliseconds must be < 10000");
+    EXPECT_TRUE(dialog->Visible());
+    char key = 27;
+    dialog->FormKeyPress(nullptr, key);
+    EXPECT_FALSE(dialog->Visible());
+    EXPECT_EQ(box->AutoSearchWaitMiliSeconds(), 250u);
+}
+
 TEST_F(EditBoxEditor, IsShownModallyForABoxAndFreedAfterwards) {
     dialog.reset();
     int forms = Screen()->FormCount();
