@@ -152,6 +152,14 @@ TEST_P(Conformance, WhatIsTypedIsFoundWithoutRegardToCaseAndAccents) {
                 if (id != "none") {
                     ASSERT_EQ(tried->FieldByName("id")->AsString(), id);
                 }
+                // A whole text before longer ones.
+                if (options.Contains(loPartialKey)) {
+                    AnsiString first = FirstOf(expected, wanted, options - TLocateOptions{loPartialKey});
+                    if (first == "none") first = id;
+                    ASSERT_EQ(
+                        VarToStr(tried->Lookup("nom", Variant(wanted), "id", options + TLocateOptions{loWholeFirst})),
+                        first == "none" ? "" : first);
+                }
                 ASSERT_EQ(VarToStr(tried->Lookup("nom", Variant(wanted), "id", options)), id == "none" ? "" : id);
             }
         }

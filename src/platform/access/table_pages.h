@@ -79,6 +79,14 @@ class TablePages final : public RowPages {
     void AddOrder(Statement& statement, Direction direction) const;
     void AddSearch(Statement& statement, const PageSearch& wanted) const;
     // Searching by a column's index (table_search.cpp).
+    // An answer to where a spelling may stand: nothing stands from the place on to the text that was found.
+    struct Answer {
+        std::string place;
+        bool none = true;
+        std::string text;   // what was found
+        std::string found;  // the same as the index tells texts apart
+        int64_t row = -1;   // of the answers' rows, where more than the text was asked for
+    };
     // A column whose texts are searched, as the catalog had it when that was done first, and what it is asked.
     struct SearchedColumn {
         size_t column = 0;
@@ -91,27 +99,23 @@ class TablePages final : public RowPages {
         // How many places ahead were of use lately, and whether those beyond the likely spelling were.
         size_t ahead = 0;
         bool beyond = false;
-    };
-    // An answer to where a spelling may stand: nothing stands from the place on to the text that was found.
-    struct Answer {
-        std::string place;
-        bool none = true;
-        std::string text;   // what was found
-        std::string found;  // the same as the index tells texts apart
-        int64_t row = -1;   // of the answers' rows, where more than the text was asked for
+        // What the last search was answered, and where its last answers begin.
+        std::vector<Answer> answers;
+        size_t latest = 0;
     };
     // Each puts the first row, if there is one; false when the question is open still.
     bool FindByIndex(const PageSearch& wanted, RowStore& rows);
     bool WalkSpellings(SearchedColumn& column, const TextSearch& search, const Spellings& spellings, RowStore& rows);
+    void Forget(SearchedColumn& column);
     bool LookBesidePlain(SearchedColumn& column, const TextSearch& search, RowStore& rows);
     bool Scan(SearchedColumn& column, const TextSearch& search, const std::string* from, const std::string* last,
               RowStore& rows);
     SearchedColumn& SearchedColumnOf(size_t column);
-    std::vector<Answer> Ask(SearchedColumn& column, const Spellings& spellings, const Spellings::Place& place);
+    void Ask(SearchedColumn& column, const Spellings& spellings, const Spellings::Place& place);
     void Take(SearchedColumn& column, int64_t row, RowStore& rows);
     std::vector<ProviderValue> ValuesWith(const SearchedColumn& column, const std::string& place) const;
     // Whether there is a row, which is the first of the answers' then.
-    bool AskRow(const AnsiString& sql, const SearchedColumn& column, const std::string& place);
+    bool AskRow(const AnsiString& sql, SearchedColumn& column, const std::string& place);
     void RunStatement(const AnsiString& text, const std::vector<FieldDefinition>& columns,
                       const std::vector<ProviderValue>& values, RowStore& rows);
     void Read(const Record* place, int64_t skip, int64_t count, Direction direction, RowStore& rows);

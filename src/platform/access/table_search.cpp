@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <iterator>
 
 #include "platform/access/table_pages.h"
 #include "platform/text/numbers.h"
@@ -165,6 +166,7 @@ bool TablePages::FindByIndex(const PageSearch& wanted, RowStore& rows) {
     if (wanted.Folding == TextFolding::None || wanted.Value.IsNull()) return false;
     SearchedColumn& column = SearchedColumnOf(static_cast<size_t>(wanted.Column));
     const TextSearch search(Utf8ToAnsiLossy(wanted.Value.AsBytes()), wanted.Folding, wanted.Extent);
+    if (!wanted.GoesOn) column.answers.clear();
     switch (column.index.Order) {
         case TextIndex::Sorting::None:
             return false;
@@ -196,41 +198,49 @@ bool TablePages::WalkSpellings(SearchedColumn& column, const TextSearch& search,
         const bool begins = rises ? answer.place <= place : answer.place >= place;
         return begins && (answer.none || (rises ? answer.found >= place : answer.found <= place));
     };
-    std::vector<Answer> answers;
+    const auto reaching = [&](const std::string& place) {
+        const auto found = std::find_if(column.answers.rbegin(), column.answers.rend(),
+                                        [&](const Answer& answer) { return reaches(answer, place); });
+        return found == column.answers.rend() ? nullptr : &*found;
+    };
     int questions = 0;
     const size_t ahead = column.ahead;
     size_t used = 0;
     for (std::optional<Spellings::Place> place = spellings.First(); place;) {
-        const auto reaching = [&] {
-            return std::find_if(answers.begin(), answers.end(),
-                                [&](const Answer& answer) { return reaches(answer, place->Text); });
-        };
-        auto answer = reaching();
-        if (answer == answers.end()) {
+        const Answer* answer = reaching(place->Text);
+        if (!answer) {
             if (questions++ == (conditional_ ? kMostConditionalQuestions : kMostQuestions)) {
                 const std::string last = spellings.Last();
                 return Scan(column, search, &place->Text, &last, rows);
             }
             if (questions > 1) column.beyond = true;
-            answers = Ask(column, spellings, *place);
-            answer = reaching();
-            // What stands out of its order, as bytes do that somebody put into a column of texts, is not found so.
-            if (answer == answers.end()) return false;
+            Ask(column, spellings, *place);
+            answer = reaching(place->Text);
+            // What stands out of its order, as bytes do that somebody put into a column of texts, is left to the
+            // engine.
+            if (!answer) return false;
         }
         // As many places ahead are asked for as were of use, and more while that was not enough.
-        const auto number = static_cast<size_t>(answer - answers.begin());
+        const auto number = static_cast<size_t>(answer - column.answers.data());
         if (questions > 1) {
             column.ahead = std::min(ahead + 2, kMostAhead);
-            column.beyond = true;
-        } else {
-            if (number <= ahead) used = std::max(used, number);
+        } else if (questions == 1 && number >= column.latest) {
+            const size_t distance = number - column.latest;
+            if (distance <= ahead) used = std::max(used, distance);
             column.ahead = std::max(used, ahead > 0 ? ahead - 1 : 0);
-            column.beyond = number > ahead + 1;
+            column.beyond = distance > ahead + 1;
         }
         if (answer->none) return true;
         if (search.FindsIn(answer->text)) {
-            if (answer->row < 0 && !AskRow(column.one, column, std::string(answer->text))) return false;
-            Take(column, std::max<int64_t>(answer->row, 0), rows);
+            int64_t row = answer->row;
+            if (row < 0) {
+                // Somebody may have deleted it in between.
+                row = 0;
+                const bool there = AskRow(column.one, column, std::string(answer->text)) &&
+                                   search.FindsIn(answers_.Bytes(row, static_cast<int>(column.column)));
+                if (!there) return false;
+            }
+            Take(column, row, rows);
             return true;
         }
         place = spellings.Next(answer->found);
@@ -238,8 +248,13 @@ bool TablePages::WalkSpellings(SearchedColumn& column, const TextSearch& search,
     return true;
 }
 
-std::vector<TablePages::Answer> TablePages::Ask(SearchedColumn& column, const Spellings& spellings,
-                                                const Spellings::Place& place) {
+// The answers' rows, which make room for others.
+void TablePages::Forget(SearchedColumn& column) {
+    answers_.Clear();
+    for (Answer& answer : column.answers) answer.row = -1;
+}
+
+void TablePages::Ask(SearchedColumn& column, const Spellings& spellings, const Spellings::Place& place) {
     using namespace table_search_detail;
     const int number = static_cast<int>(column.column);
     std::vector<std::string> places{place.Text};
@@ -252,7 +267,7 @@ std::vector<TablePages::Answer> TablePages::Ask(SearchedColumn& column, const Sp
     const auto add = [&](std::string_view text, int64_t row) {
         answers.push_back({{}, false, std::string(text), spellings.Held(text), row});
     };
-    answers_.Clear();
+    Forget(column);
     if (places.size() > 1) {
         std::vector<ProviderValue> values{{ftString, Cell::Bytes(ListOf(places))}};
         values.insert(values.end(), query_.Values.begin(), query_.Values.end());
@@ -272,7 +287,8 @@ std::vector<TablePages::Answer> TablePages::Ask(SearchedColumn& column, const Sp
                      [&](const Answer& a, const Answer& b) { return rises ? a.found < b.found : a.found > b.found; });
     answers.resize(places.size());
     for (size_t i = 0; i < places.size(); ++i) answers[i].place = std::move(places[i]);
-    return answers;
+    column.latest = column.answers.size();
+    std::move(answers.begin(), answers.end(), std::back_inserter(column.answers));
 }
 
 std::vector<ProviderValue> TablePages::ValuesWith(const SearchedColumn& column, const std::string& place) const {
@@ -281,8 +297,8 @@ std::vector<ProviderValue> TablePages::ValuesWith(const SearchedColumn& column, 
     return values;
 }
 
-bool TablePages::AskRow(const AnsiString& sql, const SearchedColumn& column, const std::string& place) {
-    answers_.Clear();
+bool TablePages::AskRow(const AnsiString& sql, SearchedColumn& column, const std::string& place) {
+    Forget(column);
     RunStatement(sql, query_.Columns, ValuesWith(column, place), answers_);
     return answers_.Count() > 0;
 }
@@ -328,7 +344,7 @@ bool TablePages::Scan(SearchedColumn& column, const TextSearch& search, const st
             bound(rises ? ">=" : "<=", *from);
         if (last) bound(rises ? "<=" : ">=", *last);
         statement.text += column.order + " LIMIT " + IntToStr(count);
-        answers_.Clear();
+        Forget(column);
         RunStatement(statement.text, query_.Columns, statement.values, answers_);
         for (int64_t row = 0; row < answers_.Count(); ++row) {
             if (!search.FindsIn(answers_.Bytes(row, number))) continue;

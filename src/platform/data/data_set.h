@@ -14,8 +14,8 @@
 namespace vyn {
 
 // How records are searched: without regard to letters' case; by what a text begins with; without regard to accents
-// (text/folding.h).
-enum class TLocateOption { loCaseInsensitive, loPartialKey, loAccentInsensitive };
+// (text/folding.h); and of those that begin so, first one that is the text and no longer.
+enum class TLocateOption { loCaseInsensitive, loPartialKey, loAccentInsensitive, loWholeFirst };
 using enum TLocateOption;
 using TLocateOptions = Set<TLocateOption>;
 const EnumType& TypeInfoOf(TypeTag<TLocateOption>);
@@ -267,6 +267,7 @@ class TDataSet : public TComponent {
     void MoveTo(int64_t record);
     // The first row that matches, or none.
     FoundRow FindRow(const KeyMatcher& matcher);
+    FoundRow FindRow(const AnsiString& names, const std::vector<Variant>& values, TLocateOptions options);
     void ForgetOldRows();
     TField* DataFieldByName(const AnsiString& name) const;
     // The row whose values fields give: the current record's, or that of the record being looked at.

@@ -11,7 +11,8 @@
 namespace vyn {
 
 const EnumType& TypeInfoOf(TypeTag<TLocateOption>) {
-    static const EnumType info("TLocateOption", {"loCaseInsensitive", "loPartialKey", "loAccentInsensitive"});
+    static const EnumType info("TLocateOption",
+                               {"loCaseInsensitive", "loPartialKey", "loAccentInsensitive", "loWholeFirst"});
     return info;
 }
 
@@ -48,6 +49,7 @@ struct TDataSet::KeyMatcher {
     };
     const TDataSet& data;
     std::vector<Key> keys;
+    bool goesOn = false;  // the whole texts were looked for
 
     KeyMatcher(const TDataSet& dataSet, const AnsiString& names, const std::vector<Variant>& values,
                TLocateOptions options)
@@ -87,6 +89,7 @@ struct TDataSet::KeyMatcher {
                 search.Value = Cell::Bytes(key.utf8);
                 search.Folding = key.search.Folding();
                 search.Extent = key.search.HowMuch();
+                search.GoesOn = goesOn;
             } else if (!key.none && isNumber) {
                 search.Value = CellOf(key.value, key.field->DataType());
             } else if (!key.none) {
@@ -132,13 +135,36 @@ TDataSet::FoundRow TDataSet::FindRow(const KeyMatcher& matcher) {
     return {};
 }
 
+TDataSet::FoundRow TDataSet::FindRow(const AnsiString& names, const std::vector<Variant>& values,
+                                     TLocateOptions options) {
+    KeyMatcher matcher(*this, names, values, options);
+    if (!options.Contains(loWholeFirst) || !options.Contains(loPartialKey)) return FindRow(matcher);
+    const KeyMatcher whole(*this, names, values, options - TLocateOptions{loPartialKey});
+    if (window_) {
+        const FoundRow found = FindRow(whole);
+        matcher.goesOn = true;
+        return found.Row >= 0 ? found : FindRow(matcher);
+    }
+    // Once through all records.
+    FoundRow first;
+    for (int64_t record = 0; record < FetchTo(record + 1);)
+        for (const int64_t end = RecordsFetched(); record < end; ++record) {
+            const int64_t row = RowOf(record);
+            if (!matcher.Matches(row)) continue;
+            if (whole.Matches(row)) return {row, record};
+            if (first.Row < 0) first = {row, record};
+        }
+    if (first.Row < 0) RequireAllRead();
+    return first;
+}
+
 bool TDataSet::Locate(const AnsiString& keyFields, const Variant& value, TLocateOptions options) {
     return Locate(keyFields, std::vector<Variant>{value}, options);
 }
 
 bool TDataSet::Locate(const AnsiString& keyFields, const std::vector<Variant>& values, TLocateOptions options) {
     CheckBrowseMode();
-    const FoundRow found = FindRow(KeyMatcher(*this, keyFields, values, options));
+    const FoundRow found = FindRow(keyFields, values, options);
     if (found.Row < 0) return false;
     GoTo(found);
     return true;
@@ -153,7 +179,7 @@ Variant TDataSet::Lookup(const AnsiString& keyFields, const std::vector<Variant>
                          TLocateOptions options) {
     CheckActive();
     const TField* field = FieldByName(resultField);
-    const FoundRow found = FindRow(KeyMatcher(*this, keyFields, values, options));
+    const FoundRow found = FindRow(keyFields, values, options);
     return found.Row < 0 ? Variant::Null() : field->ValueInRow(found.Row);
 }
 
@@ -163,7 +189,7 @@ bool TDataSet::LookUp(const AnsiString& keyFields, const Variant& value, TLocate
     // Before what is read for this alone.
     ForgetOldRows();
     const int64_t before = rows_->Count();
-    const int64_t row = FindRow(KeyMatcher(*this, keyFields, {value}, options)).Row;
+    const int64_t row = FindRow(keyFields, {value}, options).Row;
     if (row < 0) return false;
     // What was read for this alone is not kept: who only looks records up reads them by the thousand.
     const int64_t after = rows_->Count();

@@ -17,6 +17,8 @@ struct PageSearch {
     Cell Value;
     TextFolding Folding = TextFolding::None;
     TextSearch::Extent Extent = TextSearch::Extent::Whole;
+    // The same text was looked for right before as a whole: what was learned then still holds.
+    bool GoesOn = false;
 
     bool IsExact() const { return Folding == TextFolding::None && Extent == TextSearch::Extent::Whole; }
 };

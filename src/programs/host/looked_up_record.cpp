@@ -1,14 +1,13 @@
 #include "programs/host/looked_up_record.h"
 
-#include "platform/text/compare.h"
 #include "platform/text/exceptions.h"
+#include "platform/text/folding.h"
 
 namespace vyn {
 
 namespace looked_up_detail {
 
-const TLocateOptions kTyped = {loCaseInsensitive, loPartialKey, loAccentInsensitive};
-const TLocateOptions kWhole = {loCaseInsensitive, loAccentInsensitive};
+const TLocateOptions kTyped = {loCaseInsensitive, loPartialKey, loAccentInsensitive, loWholeFirst};
 
 }  // namespace looked_up_detail
 
@@ -37,9 +36,8 @@ bool LookedUpRecord::Search(const TField& field, const Variant& value, const Fin
     }
     const Variant text(VarToStr(value));
     if (text.AsString().empty() || !find(text, looked_up_detail::kTyped, found)) return false;
-    // A longer one came first: the whole text may stand elsewhere, perhaps just as it is written.
-    if (found != text.AsString() && find(text, looked_up_detail::kWhole, found) && found != text.AsString())
-        find(text, {}, found);
+    // The whole text may stand elsewhere just as it is written.
+    if (found != text.AsString() && SameFolded(found, text.AsString())) find(text, {}, found);
     return true;
 }
 

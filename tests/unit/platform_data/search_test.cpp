@@ -65,6 +65,23 @@ TEST_F(Search, LocateMindsAccentsUnlessItIsTold) {
     EXPECT_TRUE(data.Lookup("Name", Variant("nu"), "Id").IsNull());
 }
 
+TEST_F(Search, AWholeTextComesBeforeLongerOnesWhenThatIsWanted) {
+    const TLocateOptions typed{loCaseInsensitive, loPartialKey, loAccentInsensitive};
+    const TLocateOptions wholeFirst = typed + TLocateOptions{loWholeFirst};
+    EXPECT_EQ(Found("Name", {Variant("solera")}, wholeFirst), 3);
+    EXPECT_EQ(Found("Name", {Variant("sole")}, wholeFirst), 1);
+    EXPECT_EQ(Found("Name", {Variant("x")}, wholeFirst), 0);
+    data.Stored = {MemoryDataSet::Row(1, "Solera"), MemoryDataSet::Row(2, "SOL\xC3\x89R"),
+                   MemoryDataSet::Row(3, "Soler")};
+    data.Close();
+    data.Open();
+    EXPECT_EQ(Found("Name", {Variant("soler")}, typed), 1);
+    EXPECT_EQ(Found("Name", {Variant("soler")}, wholeFirst), 2);
+    EXPECT_EQ(Found("Name", {Variant("Soler")}, {loWholeFirst, loPartialKey}), 3);
+    // Without beginnings there is nothing longer.
+    EXPECT_EQ(Found("Name", {Variant("sole")}, {loWholeFirst, loCaseInsensitive}), 0);
+}
+
 TEST_F(Search, WhatCannotBeShownIsFoundByQuestionMarks) {
     data.Stored.push_back(MemoryDataSet::Row(9,
                                              "\xC4\x8D"
