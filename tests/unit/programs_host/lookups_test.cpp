@@ -48,6 +48,8 @@ TEST_F(HostLookups, TheWholeTextComesBeforeLongerOnes) {
     DataOf(form).Refresh();
     EXPECT_EQ(Found(form, "codi", "c1"), "6") << "just as it is written comes first";
     EXPECT_EQ(Found(form, "nom", "Puig"), "2");
+    EXPECT_EQ(Found(form, "nom", "Puig &"), "1");
+    EXPECT_EQ(Found(form, "nom", "PUIG"), "2") << "the first that is called so";
 }
 
 TEST_F(HostLookups, NullAndNothingFindNothing) {
