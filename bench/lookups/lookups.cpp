@@ -36,7 +36,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int64_t kCustomers = 1000000;
 constexpr int kKeystrokes = 2000;  // of which the 95th of a hundred is taken
-constexpr int kBeginning = 9;      // letters that are typed, at most
+constexpr int kMostDigits = 5;     // typed behind the surname, of seven
 
 constexpr const char* kSurnames[] = {"Abad",   "Bosch",  "Casals",   "Domènech", "Esteve", "Ferrer", "Garcia",
                                      "Güell",  "Hernan", "Ibáñez",   "Jordà",    "Llull",  "Martí",  "Núñez",
@@ -45,7 +45,8 @@ constexpr int kSurnameCount = sizeof kSurnames / sizeof kSurnames[0];
 
 // A name: surname, a number that spreads the names evenly, given name.
 std::string NameOf(int64_t number) {
-    return std::string(kSurnames[number % kSurnameCount]) + " " + std::to_string(number * 7919 % kCustomers);
+    return std::string(kSurnames[number % kSurnameCount]) + " " +
+           std::to_string(kCustomers + number * 7919 % kCustomers);
 }
 
 void NeedCustomers(Engine engine) {
@@ -73,7 +74,7 @@ void NeedCustomers(Engine engine) {
         std::string names;
         for (const char* each : kSurnames) names += std::string(names.empty() ? "" : ",") + "'" + each + "'";
         RunServer("INSERT INTO customers SELECT i, (ARRAY[" + names + "])[1 + i % " + std::to_string(kSurnameCount) +
-                  "] || ' ' || (i::bigint * 7919 % " + std::to_string(kCustomers) +
+                  "] || ' ' || (" + std::to_string(kCustomers) + " + i::bigint * 7919 % " + std::to_string(kCustomers) +
                   "), 'Vic', 5 FROM generate_series(1, " + std::to_string(kCustomers) + ") AS n (i)");
         RunServer("CREATE INDEX byname ON customers (name)");
         RunServer("ANALYZE customers");
@@ -181,7 +182,7 @@ class Beginnings {
     std::string Next() {
         const std::string name = NameOf(1 + static_cast<int64_t>(random_() % kCustomers));
         const size_t space = name.find(' ');
-        return name.substr(0, space + 1 + random_() % static_cast<size_t>(kBeginning - 6));
+        return name.substr(0, space + 2 + random_() % static_cast<size_t>(kMostDigits));
     }
 
   private:
