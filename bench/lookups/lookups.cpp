@@ -218,7 +218,7 @@ void Road(benchmark::State& state, Engine engine) {
             box.ProcessTextEdit(before, static_cast<int>(before.size()), 0);
             world.Settle();
             TVynComponent& record = *world.source->ComponentList()->RecordOf(&box.Link());
-            record.SearchName = "";  // whatever was found before is not known to begin so
+            record.LastSearchedValue = Variant();  // nothing is known from an earlier keystroke
             bool late = false;
             const TimerId end = StartTimer(kLongestWait, [&] { late = true; });
             seconds.push_back(SecondsOf([&] {

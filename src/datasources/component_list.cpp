@@ -337,8 +337,8 @@ void TVynComponentList::VynComponentListRecordChanged(int index) {
     if (!record) return;
     const std::vector<TVynDataLink*> links = record->DataLinks;
     for (TVynDataLink* link : links) {
-        // What one link shows may take others away.
-        if (!IsLive(this) || RecordOf(link) != record) continue;
+        // What one link shows may take others away; what is being typed into one stays.
+        if (!IsLive(this) || RecordOf(link) != record || link->IsModified()) continue;
         DoSearchValue(link, false);
         link->RecordChanged(link->Field());
     }

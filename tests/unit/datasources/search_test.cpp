@@ -350,6 +350,24 @@ TEST_F(LookupTest, TheNextRecordCostsOneLocateForEachComponentWhoseKeyChanged) {
     EXPECT_EQ(TakeLog(), "locate Code=3; values 1");
 }
 
+TEST_F(LookupTest, WhatIsTypedWhileTheRecordIsLookedUpStays) {
+    Ready();
+    auto second = MakeLink();
+    Settle();
+    orders->Next();
+    // The search of the record's key is under way when the first key comes.
+    while (!Searching()) Application()->HandleQueue();
+    link->Modified();
+    int shown = 0, others = 0;
+    link->OnDataChange = [&](TObject*) { ++shown; };
+    second->OnDataChange = [&](TObject*) { ++others; };
+    Settle();
+    EXPECT_EQ(shown, 0);
+    EXPECT_EQ(others, 1) << "those that nobody types into follow";
+    link->OnDataChange.Clear();
+    second->OnDataChange.Clear();
+}
+
 TEST_F(LookupTest, ANullKeyFindsNothingAndEmptiesTheValues) {
     Ready();
     orders->Edit();
