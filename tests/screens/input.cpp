@@ -1,8 +1,10 @@
 #include "screens/input.h"
 
 #include "platform/controls/buttons.h"
+#include "platform/controls/forms.h"
 #include "platform/controls/shortcuts.h"
 #include "platform/objects/class_info.h"
+#include "platform/system/clipboard.h"
 
 namespace vyn::screens {
 
@@ -10,6 +12,25 @@ void TypeInto(TCustomEdit& edit, const AnsiString& text) {
     edit.SelectAll();
     if (text.empty()) edit.SetSelText("");
     for (char c : text) edit.KeyPress(c);
+}
+
+void TypeOn(TCustomEdit& edit, const AnsiString& text) {
+    for (char c : text) edit.ProcessKeyPress(c);
+}
+
+void PasteInto(TCustomEdit& edit, const AnsiString& text) {
+    Clipboard()->SetAsText(text);
+    char key = 22;
+    edit.ProcessKeyPress(key);
+}
+
+void PressKey(TWinControl& control, Key key) {
+    uint16_t code = key == Key::Backspace ? VK_BACK : key == Key::Tab ? VK_TAB : VK_ESCAPE;
+    char character = static_cast<char>(code);
+    if (key == Key::Tab)
+        GetParentForm(&control)->SelectNext(&control, true, true);
+    else if (!control.ProcessKeyDown(code, {}))
+        control.ProcessKeyPress(character);
 }
 
 void ChooseIn(TWinControl& box, const AnsiString& text) {

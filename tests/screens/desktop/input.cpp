@@ -8,6 +8,7 @@
 
 #include "display.h"
 #include "platform/system/application.h"
+#include "platform/system/clipboard.h"
 #include "platform/text/windows1252.h"
 #include "qt/application.h"
 #include "screens/window_of.h"
@@ -59,7 +60,7 @@ void AddKeys(QChar character, std::vector<std::string>& keys) {
 // nobody types that fast.
 void Press(TWinControl& control, const std::vector<std::string>& keys) {
     BringToFront(WidgetOf(control));
-    if (control.CanFocus()) control.SetFocus();
+    if (control.CanFocus() && !control.Focused()) control.SetFocus();
     const std::vector<std::string> press = {"key", "--delay", "0"};
     std::vector<std::string> words = press;
     for (const std::string& key : keys) {
@@ -85,6 +86,17 @@ void TypeInto(TCustomEdit& edit, const AnsiString& text) {
     if (text.empty()) keys.emplace_back("Delete");
     keys.insert(keys.begin(), "ctrl+a");
     Press(edit, keys);
+}
+
+void TypeOn(TCustomEdit& edit, const AnsiString& text) { Press(edit, KeysOf(text)); }
+
+void PasteInto(TCustomEdit& edit, const AnsiString& text) {
+    Clipboard()->SetAsText(text);
+    Press(edit, {"ctrl+v"});
+}
+
+void PressKey(TWinControl& control, Key key) {
+    Press(control, {key == Key::Backspace ? "BackSpace" : key == Key::Tab ? "Tab" : "Escape"});
 }
 
 void ChooseIn(TWinControl& box, const AnsiString& text) {

@@ -7,24 +7,48 @@
 #include <QTest>
 
 #include "platform/system/application.h"
+#include "platform/system/clipboard.h"
 #include "platform/text/windows1252.h"
 #include "qt/application.h"
 #include "screens/window_of.h"
 
 namespace vyn::screens {
 
+namespace {
+
+// As the window system says it: with the control character.
+void PressControl(const TControl& control, Qt::Key key, char16_t character) {
+    QKeyEvent press(QEvent::KeyPress, key, Qt::ControlModifier, QString(QChar(character)));
+    QCoreApplication::sendEvent(WidgetOf(control), &press);
+}
+
+}  // namespace
+
 void TypeInto(TCustomEdit& edit, const AnsiString& text) {
     // Coming to it comes first: a field may be edited as another text than it is shown.
     if (edit.CanFocus()) edit.SetFocus();
-    // As the window system says it: with the control character.
-    QKeyEvent all(QEvent::KeyPress, Qt::Key_A, Qt::ControlModifier, QString(QChar(1)));
-    QCoreApplication::sendEvent(WidgetOf(edit), &all);
+    PressControl(edit, Qt::Key_A, 1);
     if (text.empty()) QTest::keyClick(WidgetOf(edit), Qt::Key_Delete);
+    TypeOn(edit, text);
+}
+
+void TypeOn(TCustomEdit& edit, const AnsiString& text) {
     for (const QChar each : QString::fromStdString(AnsiToUtf8(text))) {
         const bool plain = each.isLetterOrNumber() && each.unicode() < 128;
         QKeyEvent press(QEvent::KeyPress, plain ? each.toUpper().unicode() : 0, Qt::NoModifier, QString(each));
         QCoreApplication::sendEvent(WidgetOf(edit), &press);
     }
+}
+
+void PasteInto(TCustomEdit& edit, const AnsiString& text) {
+    Clipboard()->SetAsText(text);
+    PressControl(edit, Qt::Key_V, 22);
+}
+
+void PressKey(TWinControl& control, Key key) {
+    QTest::keyClick(WidgetOf(control), key == Key::Backspace ? Qt::Key_Backspace
+                                       : key == Key::Tab     ? Qt::Key_Tab
+                                                             : Qt::Key_Escape);
 }
 
 void ChooseIn(TWinControl& box, const AnsiString& text) {
