@@ -5,6 +5,7 @@
 #include "platform/objects/component_handle.h"
 #include "platform/system/message_dialogs.h"
 #include "platform/text/compare.h"
+#include "platform/text/folding.h"
 #include "platform/text/windows1252.h"
 
 namespace vyn {
@@ -247,7 +248,7 @@ void TVynEditBox::AutoSearched(const AnsiString& searched, const AnsiString& fou
     }
     const AnsiString text = Text();
     const auto length = searched.size();
-    const bool begins = found.size() > length && AnsiSameText(found.substr(0, length), searched);
+    const bool begins = found.size() > length && BeginsFolded(found, searched, TextFolding::CaseAndAccents);
     if (!begins || !AnsiSameText(text, searched) || IsComposing()) return;
     const int caret = SelStart();
     if (SelLength() > 0 || caret != static_cast<int>(EditText().size())) {

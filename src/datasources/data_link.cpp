@@ -7,13 +7,15 @@
 #include "platform/system/ticks.h"
 #include "platform/text/compare.h"
 #include "platform/text/exceptions.h"
+#include "platform/text/folding.h"
 
 namespace vyn {
 
 namespace data_link_detail {
 
+// As the search itself finds: typists leave accents out.
 bool BeginsWith(const AnsiString& text, const AnsiString& beginning) {
-    return text.size() >= beginning.size() && AnsiSameText(text.substr(0, beginning.size()), beginning);
+    return BeginsFolded(text, beginning, TextFolding::CaseAndAccents);
 }
 
 // Whether a tick count lies ahead; ticks begin again at 0 after 49.7 days.

@@ -239,6 +239,15 @@ TEST_F(LookupTest, ALongerBeginningOfWhatWasFoundIsKnown) {
     EXPECT_EQ(TakeLog(), "locate Name=abd; told abd>") << "what was found does not begin so";
 }
 
+TEST_F(LookupTest, WhatWasFoundBeginsWithoutItsAccentsToo) {
+    Ready();
+    link->ThreadSearchNewValue(0, "ga");
+    Settle();
+    EXPECT_EQ(TakeLog(), "locate Name=ga; values 1; told ga>García"_w);
+    link->ThreadSearchNewValue(1000, "GARCI");
+    EXPECT_EQ(TakeLog(), "told GARCI>García"_w) << "at once, without a search";
+}
+
 TEST_F(LookupTest, WhatExtendsATextThatWasNotFoundIsNotSearched) {
     Ready();
     link->ThreadSearchNewValue(0, "x");
