@@ -321,6 +321,15 @@ void TVynEditBox::KeyDown(uint16_t& key, TShiftState shift) {
 }
 
 void TVynEditBox::KeyPress(char& key) {
+    // The record's own value is being looked up this moment: the key waits for it rather than being lost.
+    if (link_->VynComponentState() == vyncs_Searching && !BeingTyped()) {
+        const Alive alive(*this);
+        link_->WaitUntilThreadFinished();
+        if (!alive) {
+            key = 0;
+            return;
+        }
+    }
     UpdateReadOnly();
     // Every key, the characters of copying among them.
     if (ReadOnly()) {

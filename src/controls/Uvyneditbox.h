@@ -24,7 +24,8 @@ namespace vyn {
 //
 // In a control grid the copies in other records' panels show plain fields; what is looked up they leave empty.
 //
-// While the component is not there (being made, or a search of somebody else's running) the box is empty and read-only.
+// While the component is not there (being made, or a search of somebody else's running) the box is empty and read-only;
+// a key that comes while the record's own value is looked up waits until it is there.
 // Main thread only.
 class TVynEditBox : public TBaseVynEditBox, public CopyOverPlainSource {
     VYN_OBJECT

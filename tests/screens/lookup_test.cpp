@@ -212,6 +212,29 @@ TEST_P(LookupRoad, TwoLookupsOfOneRecordFollowEachOther) {
     EXPECT_EQ(AnsiToUtf8(town->Text()), RowsOf("SELECT poblacio FROM clients WHERE id = " + FieldText("client")).at(0));
 }
 
+TEST_P(LookupRoad, ASearchScreenThatCannotOpenLeavesEverythingAsItWas) {
+    Begin();
+    TypeOn(Box(), "vidres garc");
+    Pause();
+    // Whoever keeps the application has spoilt the list's statement.
+    auto* list = ObjectCast<TADOQuery>(Record().Component->FindComponent("Consulta"));
+    ASSERT_NE(list, nullptr);
+    const AnsiString statement = list->SQL()->Text();
+    list->Close();
+    list->SQL()->SetText("SELECT * FROM nowhere");
+    uint16_t key = VK_F2;
+    Box().ProcessKeyDown(key, {});
+    Settle();
+    ASSERT_FALSE(asked_.empty()) << "it says why";
+    EXPECT_NE(asked_.front().find("nowhere"), std::string::npos) << asked_.front();
+    EXPECT_EQ(CustomerOfKey(), "none");
+    list->SQL()->SetText(statement);
+    TypeInto(Box(), "vidres garc");
+    Pause();
+    PressKey(Box(), Key::Tab);
+    EXPECT_EQ(Looked("Client"), "Vidres García") << "and works again afterwards";
+}
+
 TEST_P(LookupRoad, AnEmptyTableFindsNothing) {
     Meanwhile("DELETE FROM linies");
     Meanwhile("DELETE FROM factures");

@@ -369,4 +369,16 @@ TEST_F(Typing, AHandlerOfOnChangeMayFreeTheBox) {
     box = nullptr;
 }
 
+TEST_F(EditBoxTest, AKeyThatComesWhileTheRecordIsLookedUpIsNotLost) {
+    orders->Next();
+    while (!Searching()) Application()->HandleQueue();
+    ASSERT_EQ(box->Link().VynComponentState(), vyncs_Searching);
+    EXPECT_TRUE(box->ReadOnly());
+    Type(*box, "x");
+    EXPECT_FALSE(box->ReadOnly());
+    EXPECT_NE(box->Text().find('x'), AnsiString::npos);
+    EXPECT_TRUE(box->Modified());
+    Pause();
+}
+
 }  // namespace
