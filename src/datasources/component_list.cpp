@@ -494,7 +494,7 @@ void TVynComponentList::WakeSearch(const TVynDataLink* link) {
 void TVynComponentList::WaitUntilFinished(TVynComponentList* list, const TVynDataLink* link) {
     const auto searching = [&] {
         const TVynComponent* record = IsLive(list) ? list->RecordOf(link) : nullptr;
-        return record && record->State == vyncs_Searching;
+        return record && record->State == vyncs_Searching && record->Search;
     };
     while (searching() && !Application()->Terminated()) Application()->HandleQueue();
 }
