@@ -61,10 +61,6 @@ bool SameValue(const Variant& a, const Variant& b) {
     return VarToStr(a) == VarToStr(b);
 }
 
-Variant ValueOf(TParametres& values, const AnsiString& name) {
-    return values.ParamExists(name) ? values.GetParametreValue(name) : Variant::Null();
-}
-
 }  // namespace component_list_detail
 
 using namespace component_list_detail;
@@ -72,6 +68,12 @@ using namespace component_list_detail;
 bool TVynComponentKey::Same(const TVynComponentKey& other) const {
     return NChild == other.NChild && Type == other.Type && AnsiSameText(FieldName, other.FieldName) &&
            AnsiSameText(ChildDataKey, other.ChildDataKey) && AnsiSameText(ChildClassName, other.ChildClassName);
+}
+
+TVynComponentKey TVynComponentKey::Of(int32_t nChild, TVynDataLinkType type, const AnsiString& childClassName,
+                                      const AnsiString& childDataKey, const AnsiString& fieldName) {
+    const bool search = type == dlt_Search;
+    return {nChild, fieldName, type, search ? childDataKey : AnsiString(), search ? AnsiString() : childClassName};
 }
 
 TVynComponentList::TVynComponentList(TVynDataSource* source)
@@ -124,9 +126,7 @@ bool TVynComponentList::IsRecord(const TVynComponent* record) const { return Ind
 
 int TVynComponentList::IndexOf(int32_t nChild, TVynDataLinkType type, const AnsiString& childClassName,
                                const AnsiString& childDataKey, const AnsiString& fieldName) const {
-    const bool search = type == dlt_Search;
-    const TVynComponentKey key{nChild, fieldName, type, search ? childDataKey : AnsiString(),
-                               search ? AnsiString() : childClassName};
+    const TVynComponentKey key = TVynComponentKey::Of(nChild, type, childClassName, childDataKey, fieldName);
     for (size_t i = 0; i < records_.size(); ++i)
         if (records_[i]->Key.Same(key)) return static_cast<int>(i);
     return -1;
@@ -158,10 +158,8 @@ void TVynComponentList::AddVynDataLink(TVynDataLink* link) {
     DelVynDataLink(link);
     if (!looksUp) return;
     if (!record) {
-        const bool search = link->VynDataLinkType() == dlt_Search;
-        records_.push_back(std::make_unique<TVynComponent>(TVynComponentKey{
-            link->NChild(), link->FieldName(), link->VynDataLinkType(), search ? link->ChildDataKey() : AnsiString(),
-            search ? AnsiString() : link->ChildClassName()}));
+        records_.push_back(std::make_unique<TVynComponent>(TVynComponentKey::Of(
+            link->NChild(), link->VynDataLinkType(), link->ChildClassName(), link->ChildDataKey(), link->FieldName())));
         record = records_.back().get();
         // The component is made when it is first asked for.
         record->ToBeCreated = true;
@@ -407,7 +405,7 @@ bool TVynComponentList::SearchRecord(TVynDataLink* link, bool& found) {
         throw;
     }
     if (found)
-        record->FoundValue = record->FieldValue = ValueOf(record->Values, name);
+        record->FoundValue = record->FieldValue = record->ValueOf(name, Variant::Null());
     else
         forget();
     return true;
@@ -521,7 +519,7 @@ void TVynComponentList::GetShowValue(TVynDataLink* link, AnsiString& text) {
             text = "(searching...)";
             return;
         case vyncs_available:
-            text = VarToStr(ValueOf(record->Values, link->ChildDataShow()));
+            text = VarToStr(record->ValueOf(link->ChildDataShow(), Variant::Null()));
             return;
     }
 }

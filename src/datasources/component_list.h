@@ -27,11 +27,18 @@ struct TVynComponentKey {
     AnsiString ChildClassName;  // for dlt_Class, else empty
 
     bool Same(const TVynComponentKey& other) const;
+    // The key of what is looked up: of key name and class the one that its type goes by.
+    static TVynComponentKey Of(int32_t nChild, TVynDataLinkType type, const AnsiString& childClassName,
+                               const AnsiString& childDataKey, const AnsiString& fieldName);
 };
 
 // One looked-up component of a list, and the links that share it.
 struct TVynComponent {
     explicit TVynComponent(TVynComponentKey key) : Key(std::move(key)) {}
+    // A value of the component as it was last fetched, or the other one where it gives none.
+    Variant ValueOf(const AnsiString& name, const Variant& otherwise) {
+        return Values.ParamExists(name) ? Values.GetParametreValue(name) : otherwise;
+    }
 
     TVynComponentKey Key;
     TComponent* Component = nullptr;

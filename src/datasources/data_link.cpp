@@ -23,10 +23,6 @@ bool IsAhead(uint32_t tick) { return static_cast<int32_t>(tick - TickCount()) > 
 
 constexpr char kArrow = '>';
 
-Variant ValueOf(TParametres& values, const AnsiString& name, const Variant& otherwise) {
-    return values.ParamExists(name) ? values.GetParametreValue(name) : otherwise;
-}
-
 }  // namespace data_link_detail
 
 using namespace data_link_detail;
@@ -181,7 +177,7 @@ void TVynDataLink::SetFieldValue(const Variant& value) {
     if (list && NeedSynchronizeChild() && relationedFields_.Count() > 0) {
         TVynComponent* record = list->RecordOf(this);
         if (record && record->State == vyncs_available &&
-            VarToStr(ValueOf(record->Values, childDataKey_, Variant())) != VarToStr(value))
+            VarToStr(record->ValueOf(childDataKey_, Variant())) != VarToStr(value))
             list->SearchNow(this, childDataKey_, value);
     }
     if (Field()) {
@@ -227,7 +223,7 @@ void TVynDataLink::AssignRelationedFields() {
     if (childDataKey_.empty()) {
         Variant value;
         GetFieldValue(value);
-        if (!AnsiSameText(VarToStr(ValueOf(record->Values, childDataShow_, Variant::Null())), VarToStr(value))) return;
+        if (!AnsiSameText(VarToStr(record->ValueOf(childDataShow_, Variant::Null())), VarToStr(value))) return;
     }
     if (relationedFields_.Count() == 0) return;
     if (!data->IsEditing()) data->Edit();
@@ -280,7 +276,7 @@ void TVynDataLink::SetDisplayText(const AnsiString& text) {
         SetFieldValue(Variant::Null());
         return;
     }
-    const auto shown = [&] { return VarToStr(ValueOf(record->Values, childDataShow_, Variant())); };
+    const auto shown = [&] { return VarToStr(record->ValueOf(childDataShow_, Variant())); };
     const bool found = (record->State == vyncs_available && AnsiSameText(shown(), text)) ||
                        (list->SearchNow(this, childDataShow_, text) && !shown().empty());  // classes always answer
     if (!TVynComponentList::IsLive(list) || list->RecordOf(this) != record) return;
@@ -292,7 +288,7 @@ void TVynDataLink::SetDisplayText(const AnsiString& text) {
     if (!found)
         throw EDatabaseError("\"" + text +
                              "\" was not found.\nPress F2 to choose from the list, or Escape to take it back");
-    SetFieldValue(ValueOf(record->Values, childDataKey_, Variant::Null()));
+    SetFieldValue(record->ValueOf(childDataKey_, Variant::Null()));
 }
 
 AnsiString TVynDataLink::FieldEditMask() const {
@@ -377,7 +373,7 @@ void TVynDataLink::ShowModalSearch(const AnsiString& text, bool modified, bool e
     if (!TVynComponentList::IsLive(list) || list->RecordOf(this) != record) return;
     Variant current;
     GetFieldValue(current);
-    SetFieldValue(ValueOf(record->Values, ChildDataKeyFieldName(), current));
+    SetFieldValue(record->ValueOf(ChildDataKeyFieldName(), current));
 }
 
 }  // namespace vyn
