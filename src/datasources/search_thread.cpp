@@ -49,10 +49,12 @@ void TVynBaseComponentThread::Terminate() {
 void TVynBaseComponentThread::Execute() {
     wait_ = true;
     while (!Terminated() && wait_) {
-        OnMainThread([this] { CheckWait(); });
+        OnMainThread([this] {
+            CheckWait();
+            if (!wait_ && !Terminated()) DoExecute();
+        });
         if (wait_ && !Terminated()) pause_.Until(deadline_);
     }
-    if (!Terminated()) DoExecute();
 }
 
 void TVynBaseComponentThread::OnMainThread(const std::function<void()>& work) {

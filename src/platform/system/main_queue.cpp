@@ -61,6 +61,14 @@ void PostCall(std::function<void()> call) {
     Enter([&](Queue& queue) { queue.entries.push_back({std::move(call), 0, {}}); });
 }
 
+void PostLastCall(std::function<void()> call, std::atomic<bool>& done) {
+    Enter([&](Queue& queue) {
+        queue.entries.push_back({std::move(call), 0, {}});
+        done = true;
+    });
+    done.notify_all();
+}
+
 void PostUrgentCall(std::function<void()> call) {
     Enter([&](Queue& queue) { queue.urgent.push_back(std::move(call)); });
 }

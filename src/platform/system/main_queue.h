@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 
@@ -13,6 +14,8 @@ namespace main_queue {
 
 // Queues a call for the main thread. Any thread.
 void PostCall(std::function<void()> call);
+// The same, and says by `done` that the call is queued: whoever finds it set finds the call there too.
+void PostLastCall(std::function<void()> call, std::atomic<bool>& done);
 // Queues a call that runs even while the main thread waits for a worker (synchronised calls, SendMessage).
 void PostUrgentCall(std::function<void()> call);
 // Queues a window message.

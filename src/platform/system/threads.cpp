@@ -1,13 +1,11 @@
 #include "platform/system/threads.h"
 
-#include <condition_variable>
 #include <exception>
-#include <mutex>
-#include <thread>
 
 #include "platform/objects/class_info.h"
 #include "platform/system/application.h"
 #include "platform/system/main_queue.h"
+#include "platform/system/workers.h"
 #include "platform/text/exceptions.h"
 
 namespace vyn {
@@ -15,30 +13,32 @@ namespace vyn {
 namespace thread_detail {
 
 std::atomic<uint64_t> lastThread{0};
+std::atomic<int> running{0};
+// Of the thread that runs; one that works for another TThread gets another.
+uint64_t& OwnId() {
+    thread_local uint64_t id = ++lastThread;
+    return id;
+}
 const uint64_t mainThread = CurrentThreadId();
 
 // What a worker waits for while the main thread runs its call.
 struct Answer {
-    std::mutex mutex;
-    std::condition_variable changed;
-    bool done = false;
-    std::exception_ptr error;
+    std::atomic<int> done{0};
+    std::exception_ptr error;  // written before `done`
 };
 
 }  // namespace thread_detail
 
-uint64_t CurrentThreadId() {
-    thread_local const uint64_t id = ++thread_detail::lastThread;
-    return id;
-}
+uint64_t CurrentThreadId() { return thread_detail::OwnId(); }
 
 uint64_t MainThreadId() { return thread_detail::mainThread; }
 bool IsMainThread() { return CurrentThreadId() == MainThreadId(); }
+int RunningThreads() { return thread_detail::running; }
 
 // Lives as long as the thread or its object, whichever goes last.
 struct TThread::State {
-    std::thread thread;
     std::atomic<bool> terminated{false};
+    // Its last call is queued by then, and nothing of the object is touched any more.
     std::atomic<bool> finished{false};
     std::atomic<bool> started{false};
     std::atomic<uint64_t> id{0};
@@ -61,23 +61,31 @@ TThread::~TThread() {
 
 void TThread::EndExecution() {
     Terminate();
-    if (!state_->thread.joinable()) return;
-    if (state_->thread.get_id() == std::this_thread::get_id()) {
-        state_->thread.detach();
-        return;
-    }
-    if (IsMainThread()) main_queue::WaitUrgent([this] { return state_->finished.load(); });
-    state_->thread.join();
+    if (state_->started && state_->id != CurrentThreadId()) AwaitEnd();
+}
+
+void TThread::AwaitEnd() {
+    if (IsMainThread())
+        main_queue::WaitUrgent([this] { return state_->finished.load(); });
+    else
+        state_->finished.wait(false);
 }
 
 void TThread::Resume() {
     if (state_->started.exchange(true)) return;
-    state_->thread = std::thread([this] { Run(); });
+    ++thread_detail::running;
+    try {
+        workers::Run([this] { Run(); });
+    } catch (...) {
+        --thread_detail::running;
+        state_->started = false;
+        throw;
+    }
 }
 
 void TThread::Run() {
     const std::shared_ptr<State> state = state_;
-    state->id = CurrentThreadId();
+    state->id = thread_detail::OwnId() = ++thread_detail::lastThread;
     if (!state->terminated) {
         try {
             Execute();
@@ -90,14 +98,15 @@ void TThread::Run() {
         }
     }
     const bool freeIt = FreeOnTerminate;
-    main_queue::PostCall([state, freeIt] {
-        TThread* self = state->object;
-        if (!self) return;
-        self->OnTerminate(self);
-        if (freeIt && state->object) delete self;
-    });
-    state->finished = true;
-    main_queue::Notify();
+    --thread_detail::running;
+    main_queue::PostLastCall(
+        [state, freeIt] {
+            TThread* self = state->object;
+            if (!self) return;
+            self->OnTerminate(self);
+            if (freeIt && state->object) delete self;
+        },
+        state->finished);
 }
 
 void TThread::Terminate() { state_->terminated = true; }
@@ -109,8 +118,7 @@ const AnsiString& TThread::FatalException() const { return state_->fatal; }
 
 int TThread::WaitFor() {
     if (!state_->started) return ReturnValue;
-    if (IsMainThread()) main_queue::WaitUrgent([this] { return state_->finished.load(); });
-    if (state_->thread.joinable()) state_->thread.join();
+    AwaitEnd();
     return ReturnValue;
 }
 
@@ -121,19 +129,15 @@ void TThread::Synchronize(const std::function<void()>& method) {
     }
     const auto answer = std::make_shared<thread_detail::Answer>();
     main_queue::PostUrgentCall([answer, &method] {
-        std::exception_ptr error;
         try {
             method();
         } catch (...) {
-            error = std::current_exception();
+            answer->error = std::current_exception();
         }
-        std::lock_guard<std::mutex> lock(answer->mutex);
-        answer->error = error;
-        answer->done = true;
-        answer->changed.notify_all();
+        answer->done = 1;
+        answer->done.notify_one();
     });
-    std::unique_lock<std::mutex> lock(answer->mutex);
-    answer->changed.wait(lock, [&] { return answer->done; });
+    answer->done.wait(0);
     if (answer->error) std::rethrow_exception(answer->error);
 }
 

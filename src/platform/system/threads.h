@@ -10,13 +10,16 @@
 
 namespace vyn {
 
-// A number for each thread of the process; never 0.
+// A number for each thread of the process, and for each TThread that has run; never 0.
 uint64_t CurrentThreadId();
 // The thread that loaded the system; everything but the bodies of worker threads runs there.
 uint64_t MainThreadId();
 bool IsMainThread();
+// How many TThreads run: resumed, and not yet at their end.
+int RunningThreads();
 
-// A worker. Made on the main thread, standing; Resume starts Execute on a thread of its own.
+// A worker. Made on the main thread, standing; Resume starts Execute on a thread of its own:
+// one of the system's that has just ended its work for another, or a new one.
 //
 // When Execute has returned (or thrown: FatalException tells), OnTerminate runs on the main thread, and a thread with
 // FreeOnTerminate is freed there. A thread without it belongs to whoever made it. The destructor asks it to
@@ -62,6 +65,7 @@ class TThread : public TObject {
   private:
     struct State;
     void Run();
+    void AwaitEnd();
     std::shared_ptr<State> state_;
 };
 

@@ -1,30 +1,13 @@
 // What may go wrong in the middle of a lookup: each time the link ends in a state, nothing leaks, no thread stays.
-#include <dirent.h>
-
-#include <thread>
-
 #include "lookup_fixtures.h"
+#include "platform/system/threads.h"
 
 using namespace lookup_fixtures;
 
 namespace {
 
-int ThreadsOfTheProcess() {
-    int count = 0;
-    DIR* tasks = opendir("/proc/self/task");
-    while (const dirent* entry = readdir(tasks))
-        if (entry->d_name[0] != '.') ++count;
-    closedir(tasks);
-    return count;
-}
-
 class LookupFaults : public LookupTest {
   protected:
-    void SetUp() override {
-        LookupTest::SetUp();
-        // A checker of threads begins one of its own with the first.
-        std::thread([] {}).join();
-    }
     // A search that waits for its deadline.
     void BeginSearch() {
         Ready();
@@ -35,12 +18,12 @@ class LookupFaults : public LookupTest {
 };
 
 TEST_F(LookupFaults, ALinkThatGoesDuringItsSearchEndsIt) {
-    const int before = ThreadsOfTheProcess();
+    const int before = RunningThreads();
     BeginSearch();
     link.reset();
     EXPECT_EQ(source->ComponentList()->Count(), 0);
     clock.Advance(5000);
-    while (ThreadsOfTheProcess() > before) Application()->HandleQueue();
+    while (RunningThreads() > before) Application()->HandleQueue();
     Application()->ProcessMessages();
     EXPECT_EQ(TakeLog(), "");
 }
@@ -55,23 +38,23 @@ TEST_F(LookupFaults, TheOtherLinksOfARecordGoOnWhenTheSearchingOneGoes) {
 }
 
 TEST_F(LookupFaults, ASourceThatGoesDuringASearchWaitsForItsThread) {
-    const int before = ThreadsOfTheProcess();
+    const int before = RunningThreads();
     BeginSearch();
     delete source;
     source = nullptr;
-    EXPECT_EQ(ThreadsOfTheProcess(), before) << "no thread survives its list";
+    EXPECT_EQ(RunningThreads(), before) << "no thread survives its list";
     Application()->ProcessMessages();
     EXPECT_EQ(link->VynComponentState(), vyncs_Nil);
     EXPECT_EQ(TakeLog(), "");
 }
 
 TEST_F(LookupFaults, AFormThatClosesDuringASearchTakesAllWithIt) {
-    const int before = ThreadsOfTheProcess();
+    const int before = RunningThreads();
     BeginSearch();
     link.reset();
     form.reset();
     source = nullptr;
-    EXPECT_EQ(ThreadsOfTheProcess(), before);
+    EXPECT_EQ(RunningThreads(), before);
     Application()->ProcessMessages();
     EXPECT_EQ(TakeLog(), "");
 }
@@ -270,13 +253,13 @@ TEST_F(LookupFaults, AWindowThatIsGoneAnswersNothing) {
 
 TEST_F(LookupFaults, ManySearchesInARowLeaveNoThread) {
     Ready();
-    const int before = ThreadsOfTheProcess();
+    const int before = RunningThreads();
     for (int i = 0; i < 200; ++i) {
         link->ThreadSearchNewValue(0, i % 2 ? "gas" : "ab");
         Settle();
     }
     EXPECT_EQ(customers.Log.size(), 600u);
-    while (ThreadsOfTheProcess() > before) Application()->HandleQueue();
+    while (RunningThreads() > before) Application()->HandleQueue();
 }
 
 }  // namespace

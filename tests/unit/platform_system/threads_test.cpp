@@ -2,6 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <memory>
+#include <set>
+#include <thread>
+#include <vector>
+
 #include "platform/system/application.h"
 
 using namespace vyn;
@@ -121,5 +127,55 @@ TEST(Threads, WhatASynchronisedCallThrowsReachesTheWorker) {
     worker.Resume();
     worker.WaitFor();
     EXPECT_EQ(caught, "on main");
+    Application()->ProcessMessages();
+}
+
+TEST(Threads, EachHasANumberOfItsOwn) {
+    std::set<uint64_t> numbers{MainThreadId()};
+    for (int i = 0; i < 20; ++i) {
+        uint64_t ranOn = 0;
+        Worker worker([&](Worker&) { ranOn = CurrentThreadId(); });
+        worker.Resume();
+        worker.WaitFor();
+        EXPECT_EQ(worker.ThreadID(), ranOn);
+        EXPECT_TRUE(numbers.insert(ranOn).second);
+    }
+    Application()->ProcessMessages();
+}
+
+TEST(Threads, AThreadOfTheSystemThatHasWorkedWorksAgain) {
+    constexpr int kMost = 1000;  // the first ones may come before the thread of the one before waits for more
+    std::set<std::thread::id> used;
+    bool again = false;
+    for (int i = 0; i < kMost && !again; ++i) {
+        Worker worker([&](Worker&) { again = !used.insert(std::this_thread::get_id()).second; });
+        worker.Resume();
+        worker.WaitFor();
+    }
+    EXPECT_TRUE(again);
+    Application()->ProcessMessages();
+}
+
+TEST(Threads, ManyRunAtOnce) {
+    constexpr int kMany = 40;
+    EXPECT_EQ(RunningThreads(), 0);
+    std::vector<std::unique_ptr<Worker>> workers;
+    for (int turn = 0; turn < 2; ++turn) {
+        // Each waits for all others.
+        std::atomic<int> here{0};
+        for (int i = 0; i < kMany; ++i) {
+            workers.push_back(std::make_unique<Worker>([&](Worker& self) {
+                here.fetch_add(1);
+                here.notify_all();
+                for (int seen = here; seen < kMany; seen = here) here.wait(seen);
+                EXPECT_GT(RunningThreads(), 0);
+                self.Return(1);
+            }));
+            workers.back()->Resume();
+        }
+        for (const auto& worker : workers) EXPECT_EQ(worker->WaitFor(), 1);
+        EXPECT_EQ(RunningThreads(), 0);
+        workers.clear();
+    }
     Application()->ProcessMessages();
 }
