@@ -356,7 +356,7 @@ void TVynComponentList::PostSearchValue(TVynDataLink* link, bool fromUser) {
     search->SearchValue = record->SearchValue;
     search->FromUser = fromUser;
     record->Search = search;
-    search->Resume();
+    search->Begin();
 }
 
 bool TVynComponentList::Search(TVynDataLink* link, bool fromUser) {

@@ -1,5 +1,8 @@
 #include "datasources/search_thread.h"
 
+#include <system_error>
+#include <utility>
+
 #include "datasources/data_link.h"
 #include "platform/objects/class_info.h"
 #include "platform/system/application.h"
@@ -27,13 +30,17 @@ const ClassInfo& TVynSearchComponentThread::StaticClass() {
 
 TVynBaseComponentThread::TVynBaseComponentThread(TVynDataLink* link, TVynComponentList* list,
                                                  TVynThreadWaitTime waitTime)
-    : link_(link), list_(list), waitTime_(std::move(waitTime)) {
+    : link_(link),
+      list_(list),
+      self_(std::make_shared<TVynBaseComponentThread*>(this)),
+      waitTime_(std::move(waitTime)) {
     FreeOnTerminate = true;
     if (list_) list_->searches_.push_back(this);
 }
 
 TVynBaseComponentThread::~TVynBaseComponentThread() {
     EndExecution();
+    *self_ = nullptr;
     if (!TVynComponentList::IsLive(list_)) return;
     std::erase(list_->searches_, this);
     list_->SearchEnded(this);
@@ -46,28 +53,52 @@ void TVynBaseComponentThread::Terminate() {
     pause_.Wake();
 }
 
+void TVynBaseComponentThread::Begin() {
+    QueueUrgent([self = self_] {
+        if (!*self) return;
+        TVynBaseComponentThread& search = **self;
+        const auto end = [&] { Queue([self] { delete *self; }); };
+        try {
+            search.OnMainThread([&] { search.Look(); });
+            if (search.wait_ && !search.Terminated()) {
+                search.Resume();
+                return;
+            }
+        } catch (const std::system_error&) {
+            // The system has no thread left: nobody can wait.
+            search.DoExecute();
+        } catch (...) {
+            end();
+            throw;
+        }
+        end();
+    });
+}
+
 void TVynBaseComponentThread::Execute() {
-    wait_ = true;
-    while (!Terminated() && wait_) {
-        OnMainThread([this] {
-            CheckWait();
-            if (!wait_ && !Terminated()) DoExecute();
-        });
-        if (wait_ && !Terminated()) pause_.Until(deadline_);
+    if (!looked_) OnMainThread([this] { Look(); });
+    while (wait_ && !Terminated()) {
+        pause_.Until(deadline_);
+        if (!Terminated()) OnMainThread([this] { Look(); });
     }
+}
+
+void TVynBaseComponentThread::Look() {
+    looked_ = true;
+    CheckWait();
+    if (!wait_ && !Terminated()) DoExecute();
 }
 
 void TVynBaseComponentThread::OnMainThread(const std::function<void()>& work) {
     Synchronize([&] {
-        inMainThread_ = true;
+        struct Inside {
+            explicit Inside(bool& flag) : flag_(flag), former_(std::exchange(flag, true)) {}
+            ~Inside() { flag_ = former_; }
+            bool& flag_;
+            const bool former_;
+        } const inside(inMainThread_);
         CheckLink();
-        try {
-            work();
-        } catch (...) {
-            inMainThread_ = false;
-            throw;
-        }
-        inMainThread_ = false;
+        work();
     });
 }
 

@@ -142,6 +142,7 @@ void TThread::Synchronize(const std::function<void()>& method) {
 }
 
 void TThread::Queue(std::function<void()> method) { main_queue::PostCall(std::move(method)); }
+void TThread::QueueUrgent(std::function<void()> method) { main_queue::PostUrgentCall(std::move(method)); }
 
 bool CheckSynchronize() { return main_queue::RunUrgentCalls(); }
 

@@ -55,6 +55,8 @@ class TThread : public TObject {
     static void Synchronize(const std::function<void()>& method);
     // Queues `method` for the main thread without waiting.
     static void Queue(std::function<void()> method);
+    // The same, before all that waits there.
+    static void QueueUrgent(std::function<void()> method);
 
   protected:
     virtual void Execute() = 0;

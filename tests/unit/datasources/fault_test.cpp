@@ -28,6 +28,26 @@ TEST_F(LookupFaults, ALinkThatGoesDuringItsSearchEndsIt) {
     EXPECT_EQ(TakeLog(), "");
 }
 
+TEST_F(LookupFaults, ALinkThatGoesBeforeItsSearchHasLookedEndsIt) {
+    Ready();
+    link->ThreadSearchNewValue(0, "gas");
+    SendMessage(source->ComponentList()->Handle(), VYN_POST_SEARCHVALUE, reinterpret_cast<intptr_t>(link.get()), 1);
+    link.reset();
+    Settle();
+    EXPECT_EQ(TakeLog(), "");
+}
+
+TEST_F(LookupFaults, ASourceThatGoesBeforeItsSearchHasLookedTakesItAlong) {
+    Ready();
+    link->ThreadSearchNewValue(0, "gas");
+    SendMessage(source->ComponentList()->Handle(), VYN_POST_SEARCHVALUE, reinterpret_cast<intptr_t>(link.get()), 1);
+    delete source;
+    source = nullptr;
+    Application()->ProcessMessages();
+    EXPECT_EQ(link->VynComponentState(), vyncs_Nil);
+    EXPECT_EQ(TakeLog(), "");
+}
+
 TEST_F(LookupFaults, TheOtherLinksOfARecordGoOnWhenTheSearchingOneGoes) {
     BeginSearch();
     auto second = MakeLink();

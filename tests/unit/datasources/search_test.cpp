@@ -1,5 +1,6 @@
 // The road of a search: records, creation, the wait, the shortcut, what the ends are told.
 #include "lookup_fixtures.h"
+#include "platform/system/threads.h"
 
 using namespace lookup_fixtures;
 
@@ -220,6 +221,40 @@ TEST_F(LookupTest, NoWaitSearchesAtOnce) {
     Ready();
     link->ThreadSearchNewValue(0, "gas");
     EXPECT_EQ(link->SearchDeadline(), 0u);
+    Settle();
+    EXPECT_EQ(TakeLog(), "locate Name=gas; values 1; told gas>Gasol");
+}
+
+TEST_F(LookupTest, OnlyAWaitTakesAThreadOfTheSystem) {
+    Ready();
+    const int before = RunningThreads();
+    int searching = -1;
+    const auto count = [&] { searching = RunningThreads() - before; };
+    customers.Inside = count;
+    link->ThreadSearchNewValue(0, "gas");
+    Settle();
+    EXPECT_EQ(searching, 0);
+    customers.Inside = count;
+    link->ThreadSearchNewValue(1000, "ab");
+    UntilChecked(2);
+    EXPECT_EQ(RunningThreads() - before, 1);
+    EXPECT_EQ(TakeLog(), "locate Name=gas; values 1; told gas>Gasol");
+    clock.Advance(1000);
+    Settle();
+    EXPECT_EQ(searching, 1);
+    EXPECT_EQ(TakeLog(), "locate Name=ab; values 1; told ab>Abad");
+}
+
+TEST_F(LookupTest, ADeadlineThatMovesAwayBeforeTheFirstLookIsWaitedFor) {
+    Ready();
+    link->ThreadSearchNewValue(0, "g");
+    // The request is taken, and the search has not looked yet.
+    SendMessage(source->ComponentList()->Handle(), VYN_POST_SEARCHVALUE, reinterpret_cast<intptr_t>(link.get()), 1);
+    EXPECT_EQ(Record().State, vyncs_Searching);
+    link->ThreadSearchNewValue(1000, "gas");
+    UntilChecked(1);
+    EXPECT_EQ(TakeLog(), "");
+    clock.Advance(1000);
     Settle();
     EXPECT_EQ(TakeLog(), "locate Name=gas; values 1; told gas>Gasol");
 }
