@@ -100,13 +100,18 @@ void NameWidget(QWidget& widget, const WidgetPeer& peer) {
 // The toolkit makes interfaces whether or not anybody listens; names are looked for when somebody does.
 class Listener final : public QAccessible::ActivationObserver {
   public:
+    bool Hears() const { return active_ || QAccessible::isActive(); }
     void accessibilityActiveChanged(bool active) override {
+        active_ = active;
         if (!active) return;
         for (QWidget* widget : QApplication::allWidgets())
             if (auto* link = dynamic_cast<PeerLink*>(widget); link && link->Peer()) link->Peer()->WakeLights();
         for (QWidget* widget : QApplication::allWidgets())
             if (auto* link = dynamic_cast<PeerLink*>(widget); link && link->Peer()) NameWidget(*widget, *link->Peer());
     }
+
+  private:
+    bool active_ = false;  // also on platforms without assistive technology, which say that nobody listens
 };
 
 Listener& TheListener() {
@@ -122,7 +127,7 @@ QAccessibleInterface* MakeInterface(const QString& className, QObject* object) {
     auto* link = dynamic_cast<PeerLink*>(widget);
     if (!link || !link->Peer()) return nullptr;
     const WidgetPeer& peer = *link->Peer();
-    if (QAccessible::isActive()) NameWidget(*widget, peer);
+    if (TheListener().Hears()) NameWidget(*widget, peer);
     if (widget != peer.Widget()) return nullptr;
     if (QAccessibleInterface* rows = MakeRowsInterface(widget)) return rows;
     if (QAccessibleInterface* grid = MakeGridInterface(widget)) return grid;

@@ -62,6 +62,16 @@ QRect PaintSortMark(QPainter& painter, const QRect& inside, int direction) {
     return inside.adjusted(0, 0, -3 * kHalf, 0);
 }
 
+// Whether another grid of the form has no label either.
+bool HasOtherWithoutLabel(const TWinControl& parent, const TCustomDBGrid& grid) {
+    for (const TWinControl* control : parent.WindowedControls()) {
+        const auto* other = ObjectCast<TCustomDBGrid>(control);
+        if (other && other != &grid && LabelOf(*other).isEmpty()) return true;
+        if (HasOtherWithoutLabel(*control, grid)) return true;
+    }
+    return false;
+}
+
 }  // namespace grid_detail
 
 using namespace grid_detail;
@@ -302,8 +312,12 @@ void GridPeer::Changed(PeerChange what) {
     if (what == PeerChange::Invalidate) Area()->viewport()->update();
 }
 
+// A label's name; else what its window is called after, when no other grid there is without one; else its dataset's.
 QString GridPeer::AccessibleName() const {
     if (const QString label = PeerOf::AccessibleName(); !label.isEmpty()) return label;
+    const TCustomForm* form = GetParentForm(&Self());
+    if (form && !form->Caption().empty() && !grid_detail::HasOtherWithoutLabel(*form, Self()))
+        return ToQt(form->Caption());
     const TDataSource* source = Self().DataSource();
     return source && source->DataSet() ? ToQt(source->DataSet()->Name()) : QString();
 }

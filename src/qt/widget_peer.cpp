@@ -280,17 +280,16 @@ void WidgetPeer::ApplyZOrder() {
     if (!widget_->isHidden() && control_.Peer()) widget_->raise();
 }
 
-QString WidgetPeer::AccessibleName() const {
-    // A label that takes the keyboard to this control names it.
-    if (const TWinControl* parent = control_.Parent()) {
-        if (const AnsiString* caption = peer_detail::FindLabelFor(*parent, control_)) {
-            QString name = WithoutMnemonic(*caption);
-            while (name.endsWith(QLatin1Char(':')) || name.endsWith(QLatin1Char(' '))) name.chop(1);
-            return name;
-        }
-    }
-    return {};
+QString LabelOf(const TControl& control) {
+    const TWinControl* parent = control.Parent();
+    const AnsiString* caption = parent ? peer_detail::FindLabelFor(*parent, control) : nullptr;
+    if (!caption) return {};
+    QString name = WithoutMnemonic(*caption);
+    while (name.endsWith(QLatin1Char(':')) || name.endsWith(QLatin1Char(' '))) name.chop(1);
+    return name;
 }
+
+QString WidgetPeer::AccessibleName() const { return LabelOf(control_); }
 
 QString WidgetPeer::AccessibleDescription() const { return ToQt(TControl::GetShortHint(control_.Hint())); }
 

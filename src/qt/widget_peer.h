@@ -272,5 +272,7 @@ inline WidgetPeer* PeerOfControl(const TControl* control) {
 void ActivateWindow(QWidget* window);
 // The nearest control that a widget belongs to; null for widgets of others.
 TControl* ControlOfWidget(QWidget* widget);
+// What the label says that takes the keyboard to a control, without its mnemonic and colon; empty without one.
+QString LabelOf(const TControl& control);
 
 }  // namespace vyn::qt

@@ -3,7 +3,9 @@
 #include <QAccessible>
 #include <QScrollBar>
 
+#include "platform/controls/db_grids.h"
 #include "platform/controls/db_lookups.h"
+#include "platform/controls/labels.h"
 #include "platform/controls/text_metrics.h"
 #include "platform/data/field_classes.h"
 #include "qt_tests.h"
@@ -187,6 +189,58 @@ TEST(Lookups, TheHighlightedRowIsDrawn) {
     form.data.Next();
     EXPECT_NE(Main(form.List())->grab().toImage(), before);
     EXPECT_NE(Main(form.Combo())->grab().toImage(), comboBefore);
+}
+
+TEST(Lookups, AGridIsCalledAsItsLabelOrWhatItsWindowIsCalledAfter) {
+    const Shown form(R"(object F: TForm
+  Caption = 'Orders'
+  object Source: TDataSource
+  end
+  object Orders: TDBGrid
+    DataSource = Source
+  end
+  object Panel: TPanel
+    object Label: TLabel
+      Caption = '&Lines:'
+      FocusControl = Lines
+    end
+    object Lines: TDBGrid
+      DataSource = Source
+    end
+  end
+end
+)");
+    MemoryDataSet data(SomePeople());
+    data.SetName("Query");
+    form.Get<TDataSource>("Source").SetDataSet(&data);
+    const auto nameOf = [&](const char* grid) {
+        return qt::PeerOfControl(&form.Get<TDBGrid>(grid))->AccessibleName().toStdString();
+    };
+    EXPECT_EQ(nameOf("Lines"), "Lines");
+    EXPECT_EQ(nameOf("Orders"), "Orders") << "the other one has a label";
+    form.Get<TLabel>("Label").SetFocusControl(nullptr);
+    EXPECT_EQ(nameOf("Orders"), "Query") << "which of the two would not be said";
+    EXPECT_EQ(nameOf("Lines"), "Query");
+    form->SetCaption("");
+    form.Get<TLabel>("Label").SetFocusControl(&form.Get<TDBGrid>("Lines"));
+    EXPECT_EQ(nameOf("Orders"), "Query") << "the window is called nothing";
+    form.Get<TDataSource>("Source").SetDataSet(nullptr);
+    EXPECT_EQ(nameOf("Orders"), "");
+}
+
+TEST(Lookups, WindowsThatOpenWhileSomebodyListensAreHeardToo) {
+    QAccessible::setActive(true);
+    {
+        LookupForm form;
+        QAccessibleInterface* combo = QAccessible::queryAccessibleInterface(Main(form.Combo()));
+        ASSERT_NE(combo, nullptr);
+        EXPECT_EQ(combo->text(QAccessible::Name), QStringLiteral("Person"));
+        EXPECT_EQ(combo->text(QAccessible::Value), QStringLiteral("Puig"));
+        QAccessibleInterface* list = QAccessible::queryAccessibleInterface(Main(form.List()));
+        ASSERT_NE(list, nullptr);
+        EXPECT_EQ(list->role(), QAccessible::Table);
+    }
+    QAccessible::setActive(false);
 }
 
 TEST(Lookups, AssistiveTechnologyHearsNameValueAndCells) {
