@@ -6,44 +6,35 @@ namespace vyn {
 
 namespace class_pictures_detail {
 
-// A picture as it looks: a letter a pixel. Blank is the see-through colour, which no letter stands for.
+// A picture as it looks: a digit a pixel, how dark it is (9: black). Blank is the see-through colour. Pictures in greys
+// alone are drawn in the colour of the text that they stand beside, on dark desktops too.
 constexpr int kSize = 16;
+constexpr int kDarkest = 9;
+constexpr int kWhite = 255;
 using Drawing = const char* const[kSize];
 
-// A lens: "o" its rim, "." the glass, "h" the grip.
+// A lens.
 constexpr Drawing kLens = {
-    "                ", "    ooooo       ", "   o.....o      ", "  o..ww...o     ",
-    " o..w......o    ", " o.w.......o    ", " o.........o    ", " o.........o    ",
-    " o.........o    ", "  o.......o     ", "   o.....oo     ", "    ooooo hh    ",
-    "           hhh  ", "            hhh ", "             hh ", "                ",
+    "                ", "    46764       ", "  179878971     ", "  794   497     ",
+    " 494     494    ", " 68       86    ", " 77       77    ", " 68       86    ",
+    " 494     494    ", "  794   4992    ", "  17987899992   ", "    4676429992  ",
+    "          29992 ", "           2997 ", "            274 ", "                ",
 };
 
-// Cards in a box: "o" lines, "." paper, "b" the tab.
+// Cards in a box.
 constexpr Drawing kCards = {
-    "                ", "   oooooooooo   ", "   o........o   ", "  oooooooooooo  ",
-    "  o..........o  ", " oooooooooooooo ", " obbbbbbbbbbbbo ", " obbbbbbbbbbbbo ",
-    " o............o ", " o..tttttttt..o ", " o............o ", " o..tttttt....o ",
-    " o............o ", " oooooooooooooo ", "                ", "                ",
+    "                ", "   9999999999   ", "   9        9   ", "  999999999999  ",
+    "  9          9  ", " 99999999999999 ", " 93333333333339 ", " 93333333333339 ",
+    " 9            9 ", " 9            9 ", " 9  99999999  9 ", " 9            9 ",
+    " 9  999999    9 ", " 9            9 ", " 99999999999999 ", "                ",
 };
 
 uint32_t ColourOf(char letter) {
     constexpr uint32_t kSeeThrough = 0xFFFF00FF;
-    switch (letter) {
-        case 'o':
-            return 0xFF3B5B7D;
-        case '.':
-            return 0xFFF4F8FC;
-        case 'w':
-            return 0xFFA9C8E6;
-        case 'h':
-            return 0xFF8A6A3F;
-        case 'b':
-            return 0xFF7FA7CC;
-        case 't':
-            return 0xFF9AA5B1;
-        default:
-            return kSeeThrough;
-    }
+    if (letter == ' ') return kSeeThrough;
+    constexpr uint32_t kOpaque = 0xFF000000;
+    constexpr uint32_t kGrey = 0x010101;
+    return kOpaque | static_cast<uint32_t>(kWhite * (kDarkest - (letter - '0')) / kDarkest) * kGrey;
 }
 
 PixelImage Draw(Drawing& drawing) {

@@ -71,6 +71,29 @@ void EditBoxWidget::paintEvent(QPaintEvent* event) {
     static_cast<EditBoxPeer*>(Peer())->PaintBorder(painter);
 }
 
+// A picture without colours.
+bool IsGrey(const QImage& picture) {
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x) {
+            const QRgb pixel = picture.pixel(x, y);
+            if (qAlpha(pixel) > 0 && (qRed(pixel) != qGreen(pixel) || qGreen(pixel) != qBlue(pixel))) return false;
+        }
+    return true;
+}
+
+// A grey picture in another ink: the darker it is, the more of that.
+QImage Inked(const QImage& picture, const QColor& ink) {
+    constexpr int kFull = 255;
+    QImage drawn(picture.size(), QImage::Format_ARGB32);
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x) {
+            const QRgb pixel = picture.pixel(x, y);
+            const int share = qAlpha(pixel) * (kFull - qRed(pixel)) / kFull;
+            drawn.setPixel(x, y, qRgba(ink.red(), ink.green(), ink.blue(), share));
+        }
+    return drawn;
+}
+
 // Flat until the mouse comes; no widget of its own until then either.
 class EditBoxButtonPeer final : public LightPeerOf<TVynEditBoxSpeedButton> {
   public:
@@ -92,7 +115,6 @@ class EditBoxButtonPeer final : public LightPeerOf<TVynEditBoxSpeedButton> {
     bool StaysInside(const QFontMetrics&) const override { return true; }
 
     void PaintOn(const Surface& surface) override {
-        using State = TVynEditBoxSpeedButton::State;
         const State state = surface.enabled ? Self().CurrentState() : State::Disabled;
         if (state == State::Hot || state == State::Pressed) {
             QStyleOptionToolButton panel;
@@ -106,28 +128,36 @@ class EditBoxButtonPeer final : public LightPeerOf<TVynEditBoxSpeedButton> {
         }
         const int shift = state == State::Pressed ? 1 : 0;
         const QRect area = surface.rect.translated(shift, shift);
-        const QPixmap picture = Picture(state == State::Disabled, surface);
+        const QPixmap picture = Picture(state, surface);
         if (picture.isNull())
-            PaintDots(surface, area, state == State::Disabled);
+            PaintDots(surface, area, state);
         else
             surface.style.drawItemPixmap(&surface.painter, area, Qt::AlignCenter, picture);
     }
 
   private:
-    QPixmap Picture(bool disabled, const Surface& surface) const {
+    using State = TVynEditBoxSpeedButton::State;
+    QPixmap Picture(State state, const Surface& surface) const {
         const TCustomImageList* images = Self().Images();
         const int index = Self().ImageIndex();
         if (!images || index < 0) return {};
-        const QPixmap pixmap = QPixmap::fromImage(ToQImage(images->Image(index)));
-        if (!disabled || index > 0) return pixmap;
+        const QImage picture = ToQImage(images->Image(index));
+        if (IsGrey(picture)) return QPixmap::fromImage(Inked(picture, InkOf(state, surface)));
+        const QPixmap pixmap = QPixmap::fromImage(picture);
+        if (state != State::Disabled || index > 0) return pixmap;
         QStyleOption option;
         option.palette = surface.palette;
         return surface.style.generatedIconPixmap(QIcon::Disabled, pixmap, &option);
     }
-    static void PaintDots(const Surface& surface, const QRect& area, bool disabled) {
+    // What is drawn in the text's colour: at rest on the line's ground, else on a raised or pressed panel.
+    static QColor InkOf(State state, const Surface& surface) {
+        const bool panel = state == State::Hot || state == State::Pressed;
+        return surface.palette.color(state == State::Disabled ? QPalette::Disabled : QPalette::Active,
+                                     panel ? QPalette::ButtonText : QPalette::Text);
+    }
+    static void PaintDots(const Surface& surface, const QRect& area, State state) {
         constexpr int kWidth = kDots * kDotSize + (kDots - 1) * kDotGap;
-        const QColor color =
-            surface.palette.color(disabled ? QPalette::Disabled : QPalette::Active, QPalette::ButtonText);
+        const QColor color = InkOf(state, surface);
         const QPoint at = area.center() - QPoint(kWidth / 2 - 1, kDotSize / 2);
         for (int dot = 0; dot < kDots; ++dot)
             surface.painter.fillRect(at.x() + dot * (kDotSize + kDotGap), at.y(), kDotSize, kDotSize, color);
