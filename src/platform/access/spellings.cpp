@@ -163,8 +163,12 @@ std::vector<size_t> Spellings::LikelyChoices(const AnsiString& model) const {
         const char folded = wanted_.Folded()[i];
         // As the model has it, as long as that is the same text.
         repeats = repeats && i < model.size() && table[static_cast<unsigned char>(model[i])] == folded;
+        // Accents are left out by those who type, and hardly ever made up.
+        const char given = wanted_.Given()[i];
+        const char letter = FoldChar(given, TextFolding::Case) == folded ? folded : given;
         const bool capital = i == 0 ? manner.firstCapital : inside ? manner.insideCapital : manner.wordCapital;
-        char likely = repeats ? model[i] : capital ? AnsiUpperChar(folded) : AnsiLowerChar(folded);
+        const bool same = repeats && (letter == folded || AnsiUpperChar(model[i]) == AnsiUpperChar(letter));
+        char likely = same ? model[i] : capital ? AnsiUpperChar(letter) : AnsiLowerChar(letter);
         if (asciiCase_ == AsciiCase::Same) likely = LowerChar(likely);
         const auto& bytes = letters_[i]->bytes;
         const auto found = std::find(bytes.begin(), bytes.end(), likely);

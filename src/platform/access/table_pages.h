@@ -114,8 +114,8 @@ class TablePages final : public RowPages {
     void Ask(SearchedColumn& column, const Spellings& spellings, const Spellings::Place& place);
     void Take(SearchedColumn& column, int64_t row, RowStore& rows);
     std::vector<ProviderValue> ValuesWith(const SearchedColumn& column, const std::string& place) const;
-    // Whether there is a row, which is the first of the answers' then.
-    bool AskRow(const AnsiString& sql, SearchedColumn& column, const std::string& place);
+    // Adds the row at a place to the answers' rows; -1 when there is none.
+    int64_t AskRow(const AnsiString& sql, const SearchedColumn& column, const std::string& place);
     void RunStatement(const AnsiString& text, const std::vector<FieldDefinition>& columns,
                       const std::vector<ProviderValue>& values, RowStore& rows);
     void Read(const Record* place, int64_t skip, int64_t count, Direction direction, RowStore& rows);

@@ -20,7 +20,7 @@ constexpr int kMostQuestions = 64;
 // Through a statement's own conditions each may be long.
 constexpr int kMostConditionalQuestions = 8;
 // Places that are asked for with another, beside the last one, where a question's way costs more than the look.
-constexpr size_t kMostAhead = 7;
+constexpr size_t kMostAhead = 15;
 constexpr size_t kMostBeyond = 8;
 // Rows that are gone through at once: at first, how many times more each time, and at most.
 constexpr int64_t kScanned = 16;
@@ -166,7 +166,10 @@ bool TablePages::FindByIndex(const PageSearch& wanted, RowStore& rows) {
     if (wanted.Folding == TextFolding::None || wanted.Value.IsNull()) return false;
     SearchedColumn& column = SearchedColumnOf(static_cast<size_t>(wanted.Column));
     const TextSearch search(Utf8ToAnsiLossy(wanted.Value.AsBytes()), wanted.Folding, wanted.Extent);
-    if (!wanted.GoesOn) column.answers.clear();
+    if (!wanted.GoesOn) {
+        column.answers.clear();
+        answers_.Clear();
+    }
     switch (column.index.Order) {
         case TextIndex::Sorting::None:
             return false;
@@ -235,9 +238,8 @@ bool TablePages::WalkSpellings(SearchedColumn& column, const TextSearch& search,
             int64_t row = answer->row;
             if (row < 0) {
                 // Somebody may have deleted it in between.
-                row = 0;
-                const bool there = AskRow(column.one, column, std::string(answer->text)) &&
-                                   search.FindsIn(answers_.Bytes(row, static_cast<int>(column.column)));
+                row = AskRow(column.one, column, std::string(answer->text));
+                const bool there = row >= 0 && search.FindsIn(answers_.Bytes(row, static_cast<int>(column.column)));
                 if (!there) return false;
             }
             Take(column, row, rows);
@@ -267,7 +269,7 @@ void TablePages::Ask(SearchedColumn& column, const Spellings& spellings, const S
     const auto add = [&](std::string_view text, int64_t row) {
         answers.push_back({{}, false, std::string(text), spellings.Held(text), row});
     };
-    Forget(column);
+    const int64_t former = answers_.Count();
     if (places.size() > 1) {
         std::vector<ProviderValue> values{{ftString, Cell::Bytes(ListOf(places))}};
         values.insert(values.end(), query_.Values.begin(), query_.Values.end());
@@ -280,7 +282,7 @@ void TablePages::Ask(SearchedColumn& column, const Spellings& spellings, const S
         RunStatement(column.text, {query_.Columns[column.column]}, ValuesWith(column, place.Text), texts_);
         if (texts_.Count() > 0) add(texts_.Bytes(0, 0), -1);
     }
-    for (int64_t row = 0; row < answers_.Count(); ++row) add(answers_.Bytes(row, number), row);
+    for (int64_t row = former; row < answers_.Count(); ++row) add(answers_.Bytes(row, number), row);
     // As the places stand: what is found for one that stands behind another stands behind, too.
     const bool rises = column.direction == Spellings::Direction::Rising;
     std::stable_sort(answers.begin(), answers.end(),
@@ -297,10 +299,10 @@ std::vector<ProviderValue> TablePages::ValuesWith(const SearchedColumn& column, 
     return values;
 }
 
-bool TablePages::AskRow(const AnsiString& sql, SearchedColumn& column, const std::string& place) {
-    Forget(column);
+int64_t TablePages::AskRow(const AnsiString& sql, const SearchedColumn& column, const std::string& place) {
+    const int64_t row = answers_.Count();
     RunStatement(sql, query_.Columns, ValuesWith(column, place), answers_);
-    return answers_.Count() > 0;
+    return answers_.Count() > row ? row : -1;
 }
 
 // In a language's order the spellings of a text stand behind that in small letters without accents, or right before it
@@ -310,11 +312,13 @@ bool TablePages::LookBesidePlain(SearchedColumn& column, const TextSearch& searc
     const int number = static_cast<int>(column.column);
     const std::string plain = AnsiToUtf8(AnsiLowerCase(search.Folded()));
     const auto asked = [&](const AnsiString& text) {
-        return AskRow(text, column, plain) && search.FindsIn(answers_.Bytes(0, number));
+        const int64_t row = AskRow(text, column, plain);
+        return row >= 0 && search.FindsIn(answers_.Bytes(row, number)) ? row : -1;
     };
-    if (asked(column.before)) return Scan(column, search, nullptr, nullptr, rows);
-    if (!asked(column.one)) return Scan(column, search, &plain, nullptr, rows);
-    Take(column, 0, rows);
+    if (asked(column.before) >= 0) return Scan(column, search, nullptr, nullptr, rows);
+    const int64_t row = asked(column.one);
+    if (row < 0) return Scan(column, search, &plain, nullptr, rows);
+    Take(column, row, rows);
     return true;
 }
 

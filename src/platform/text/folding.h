@@ -92,15 +92,17 @@ class TextSearch {
   public:
     enum class Extent { Whole, Beginning };
     TextSearch(std::string_view wanted, TextFolding folding, Extent extent)
-        : wanted_(FoldText(wanted, folding)), folding_(folding), extent_(extent) {}
+        : given_(wanted), wanted_(FoldText(wanted, folding)), folding_(folding), extent_(extent) {}
     bool FindsIn(std::string_view utf8) const;
 
-    // As it is compared.
+    // As it was given, and as it is compared: letter for letter.
+    const AnsiString& Given() const { return given_; }
     const AnsiString& Folded() const { return wanted_; }
     TextFolding Folding() const { return folding_; }
     Extent HowMuch() const { return extent_; }
 
   private:
+    AnsiString given_;
     AnsiString wanted_;
     TextFolding folding_;
     Extent extent_;

@@ -164,6 +164,19 @@ TEST(Spellings, PlacesAheadAreSpelledAsTheModelIs) {
     EXPECT_TRUE(spellings.IsLikely(*last));
 }
 
+TEST(Spellings, AccentsThatWereGivenAreLikely) {
+    const TextSearch search("gàr é"_w, TextFolding::CaseAndAccents, Extent::Beginning);
+    const auto likely = [&](const AnsiString& model) {
+        const Spellings spellings(search, Direction::Rising, AsciiCase::Told, model);
+        return spellings.Ahead(spellings.First(), 1).back();
+    };
+    // In the model's capitals and small letters.
+    EXPECT_EQ(likely("Pere Puig"), "G\xC3\xA0r \xC3\x89");
+    EXPECT_EQ(likely("PERE PUIG"), "G\xC3\x80R \xC3\x89");
+    EXPECT_EQ(likely("Gar e"), "G\xC3\xA0r \xC3\xA9") << "the model's letters are other ones";
+    EXPECT_EQ(likely("gÀr"_w), "g\xC3\x80r \xC3\xA9") << "its own, as long as they are the same";
+}
+
 TEST(Spellings, PlacesBeyondAreThoseOfOtherSpellings) {
     const TextSearch search("gac", TextFolding::CaseAndAccents, Extent::Beginning);
     using Texts = std::vector<std::string>;
