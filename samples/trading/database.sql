@@ -85,6 +85,11 @@ SELECT o * 20 + f + 1,
                         ELSE 'Raval de Sant Pere' END || ', ' || ((o * 13 + f * 7) % 90 + 1),
        (o + f) % 4 * 5
 FROM oficis, families JOIN pobles ON p = (o * 3 + f * 5) % 13;
+-- Some are called after their family first.
+UPDATE clients SET nom = 'García Germans' WHERE nom = 'Comercial García';
+UPDATE clients SET nom = 'García Reformes' WHERE nom = 'Reformes García';
+UPDATE clients SET nom = 'Garriga Fusters' WHERE nom = 'Fusteria Vilà';
+UPDATE clients SET nom = 'Garrofé i Fills' WHERE nom = 'Tallers Vilà';
 
 WITH
   coses(c, cosa, unitat, preu) AS (VALUES
