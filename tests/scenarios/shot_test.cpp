@@ -157,6 +157,69 @@ TEST_F(Shot, WhatHasNoSearchScreenIsAnError) {
     EXPECT_FALSE(Taken());
 }
 
+namespace {
+
+// A new order for a customer whose name begins so.
+const std::vector<std::string> kTyped = {"--do", "Nou", "--do", "Data=11/10/2026", "--do", "Client=gar"};
+
+std::vector<std::string> With(std::vector<std::string> steps, const std::vector<std::string>& more) {
+    steps.insert(steps.end(), more.begin(), more.end());
+    return steps;
+}
+
+}  // namespace
+
+TEST_F(Shot, WhatAUserDoesComesBeforeThePicture) {
+    std::vector<Picture> road;
+    const auto take = [&](const std::vector<std::string>& options) {
+        const Ended ended = Take(VYN_SAMPLE, 24, options);
+        ASSERT_EQ(ended.ExitStatus, 0) << ended.Told();
+        EXPECT_EQ(ended.Errors, "");
+        road.push_back(ReadPicture(File("shot.png")));
+        for (size_t i = 0; i + 1 < road.size(); ++i)
+            EXPECT_NE(road[i].Pixels, road.back().Pixels) << "each step is seen: " << i;
+    };
+    const std::vector<std::string> searched = With(kTyped, {"--do", "Client", "--do", "Cerca=garr"});
+    take({});
+    take(With(kTyped, {"--at-once"}));
+    take(kTyped);
+    take(searched);
+    EXPECT_LT(road.back().Width, road.front().Width) << "of the search screen";
+    take(With(searched, {"--do", "Acceptar"}));
+    EXPECT_EQ(road.back().Width, road.front().Width);
+    take(With(searched, {"--do", "Cancelar"}));
+}
+
+TEST_F(Shot, TheSameStepsEndInTheSamePicture) {
+    const std::vector<std::string> steps = With(kTyped, {"--do", "Client", "--do", "Acceptar", "--part", "Fitxa"});
+    ASSERT_EQ(Take(VYN_SAMPLE, 24, steps).ExitStatus, 0);
+    const Picture first = ReadPicture(File("shot.png"));
+    ASSERT_EQ(Take(VYN_SAMPLE, 24, steps).ExitStatus, 0);
+    EXPECT_EQ(ReadPicture(File("shot.png")).Pixels, first.Pixels);
+    EXPECT_LT(first.Width, 700) << "of the card alone";
+}
+
+TEST_F(Shot, StepsThatCannotBeDoneAreErrors) {
+    ExpectFailed(Take(VYN_SAMPLE, 24, {"--do", "NoHiEs"}), "There is no control NoHiEs in the window");
+    ExpectFailed(Take(VYN_SAMPLE, 24, {"--do", "Desar"}), "The control Desar cannot be used now");
+    ExpectFailed(Take(VYN_SAMPLE, 24, {"--part", "NoHiEs"}), "There is no control NoHiEs in the window");
+    ExpectFailed(Take(VYN_SAMPLE, 24, {"--do", "Nou", "--do", "Titol=x"}), "The control Titol takes no keys");
+    // In the window that is in front: the search screen has no such control.
+    ExpectFailed(Take(VYN_SAMPLE, 24, With(kTyped, {"--do", "Client", "--do", "Desar"})),
+                 "There is no control Desar in the window \"Cerca de clients\"");
+    EXPECT_FALSE(Taken());
+}
+
+TEST_F(Shot, AQuestionThatNobodyAnswersIsAnError) {
+    ExpectFailed(Take(VYN_SAMPLE, 24, {"--do", "Eliminar"}));
+    EXPECT_FALSE(Taken());
+    ASSERT_EQ(Take(VYN_SAMPLE, 24).ExitStatus, 0) << "and nothing was done";
+}
+
+TEST_F(Shot, StepsAndASearchScreenExcludeEachOther) {
+    EXPECT_EQ(Take(VYN_SAMPLE, 25, {"--do", "Nou", "--search", "nom=a"}).ExitStatus, 2);
+}
+
 TEST_F(Shot, ADamagedApplicationIsAnError) {
     const std::string bytes = ReadBytes(BuiltSample());
     for (size_t part = 1; part < 8; ++part) {

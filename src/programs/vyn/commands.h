@@ -26,6 +26,10 @@ struct ShotOptions {
     int Width = 0;  // 0: as the window is stored
     int Height = 0;
     std::string Search;  // FIELD=TEXT: the node's search screen, with a text typed into it
+    // What a user does first, in this order: NAME presses a control, NAME=TEXT types into it.
+    std::vector<std::string> Steps;
+    bool AtOnce = false;  // does not wait for what the last step has looked up
+    std::string Part;     // this control alone; empty: the window
 };
 
 struct SqlOptions {

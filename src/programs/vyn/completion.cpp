@@ -24,7 +24,7 @@ _vyn() {
     case $subcommand in
         run) options="--design --node --values --database --help" ;;
         demo) options="--node --values --database --help" ;;
-        shot) options="--output --size --search --values --database --help" ;;
+        shot) options="--output --size --search --do --at-once --part --values --database --help" ;;
         build | export) options="--output --help" ;;
         dump) options="--json --help" ;;
         import) options="--output --force --damaged --password --json --help" ;;

@@ -72,8 +72,18 @@ int Run(int argc, char** argv) {
     shotCommand->add_option("ID", shot.Application.Node, "the node")->required();
     shotCommand->add_option("-o,--output", shot.Output, "the picture")->required()->type_name("PNG");
     shotCommand->add_option("--size", size, "the window's size")->type_name("WxH");
-    shotCommand->add_option("--search", shot.Search, "the node's search screen, with a text typed")
-        ->type_name("FIELD=TEXT");
+    CLI::Option* search =
+        shotCommand->add_option("--search", shot.Search, "the node's search screen, with a text typed");
+    search->type_name("FIELD=TEXT");
+    shotCommand
+        ->add_option("--do", shot.Steps,
+                     "press the control NAME first, or type TEXT into it; again for what is done then")
+        ->type_name("NAME[=TEXT]")
+        ->expected(1)
+        ->take_all()
+        ->excludes(search);
+    shotCommand->add_flag("--at-once", shot.AtOnce, "do not wait for what the last step has looked up");
+    shotCommand->add_option("--part", shot.Part, "a picture of this control alone")->type_name("NAME");
     shotCommand->add_option("--values", shot.Application.ValuesFile, "the user's values file")->type_name("FILE");
     shotCommand->add_option("--database", shot.Application.Database, "connection string of the database DBDades")
         ->type_name("CONNECTION-STRING");

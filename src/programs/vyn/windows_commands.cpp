@@ -5,7 +5,7 @@
 #include <cerrno>
 #include <cstdlib>
 
-#include "datasources/Uvyndatasources.h"
+#include "datasources/messages.h"
 #include "platform/controls/forms.h"
 #include "platform/controls/screen.h"
 #include "platform/streams/stream.h"
@@ -17,6 +17,7 @@
 #include "platform/text/windows1252.h"
 #include "programs/vyn/commands.h"
 #include "programs/vyn/session.h"
+#include "programs/vyn/windows_steps.h"
 #include "qt/application.h"
 #include "qt/snapshot.h"
 
@@ -56,33 +57,22 @@ void NameRuntimeFolder() {
     if (mkdir(folder.c_str(), S_IRWXU) == 0 || errno == EEXIST) setenv("XDG_RUNTIME_DIR", folder.c_str(), 1);
 }
 
-// Lets what the form's controls look up in the background be found.
-void FinishLookups(const TCustomForm& form) {
-    // Values that were found may have others looked up.
-    constexpr int kTurns = 4;
-    for (int turn = 0; turn < kTurns; ++turn) {
-        Application()->ProcessMessages();
-        for (int i = 0; i < form.ComponentCount(); ++i) {
-            const auto* source = ObjectCast<TVynDataSource>(form.Components(i));
-            TVynComponentList* list = source ? source->ComponentList() : nullptr;
-            for (int at = 0; list && at < list->Count(); ++at)
-                TVynComponentList::WaitUntilFinished(list, list->Record(at)->DataLinks.front());
-        }
-    }
+void TakePicture(TCustomForm& form, const ShotOptions& options) {
+    const TControl* part = options.Part.empty() ? nullptr : &PartOf(form, Utf8ToAnsi(options.Part));
+    qt::GrabFormToFile(form, Utf8ToAnsi(options.Output), options.Width, options.Height, part);
 }
 
 // Takes the picture of a screen's search screen, and closes it.
 void GrabSearchScreen(TCustomForm& form, const ShotOptions& options) {
-    const AnsiString wanted = Utf8ToAnsi(options.Search);
-    const size_t equal = std::min(wanted.find('='), wanted.size());
-    TLocateStruct locate{wanted.substr(0, equal), Variant(wanted.substr(std::min(equal + 1, wanted.size()))), true};
+    const auto [field, text] = SplitStep(Utf8ToAnsi(options.Search));
+    TLocateStruct locate{field, Variant(text.value_or(AnsiString())), true};
     bool taken = false;
     // Nobody is there to answer: what a message would say is what went wrong.
     SetMessageDialogPort([](const MessageDialogRequest& request) -> TModalResult { throw Exception(request.Text); });
     WindowHandle later([&](TMessage&) {
         TCustomForm* screen = Screen()->ActiveForm();
         if (!screen || screen == &form || !screen->IsModal()) return;
-        qt::GrabFormToFile(*screen, Utf8ToAnsi(options.Output), options.Width, options.Height);
+        TakePicture(*screen, options);
         taken = true;
         screen->SetModalResult(mrCancel);
     });
@@ -107,8 +97,10 @@ int ShotCommand(const ShotOptions& options, int argc, char** argv) {
             return 0;
         }
         form->Show();
-        windows_detail::FinishLookups(*form);
-        qt::GrabFormToFile(*form, Utf8ToAnsi(options.Output), options.Width, options.Height);
+        FinishLookups(*form);
+        UserSteps(options.Steps, options.AtOnce).Take(*form, [&](TCustomForm& shown) {
+            windows_detail::TakePicture(shown, options);
+        });
         return 0;
     });
 }
