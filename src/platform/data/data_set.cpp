@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/data/data_set_focus.h"
+#include "platform/data/first_error.h"
 #include "platform/objects/class_table.h"
 #include "platform/text/compare.h"
 #include "platform/text/numbers.h"
@@ -464,8 +465,10 @@ void TDataSet::Announce(DataEvent event, TField* field) {
         if (event == DataEvent::LayoutChanged || event == DataEvent::ActiveChanged) layoutPending_ = true;
         return;
     }
+    FirstError error(event);
     for (size_t i = sources_.size(); i-- > 0;)
-        if (i < sources_.size()) sources_[i]->Tell(event, field);
+        if (i < sources_.size()) error.Of([&] { sources_[i]->Tell(event, field); });
+    error.Raise();
 }
 
 void RegisterDataClasses() {

@@ -4,6 +4,7 @@
 
 #include "platform/data/data_set.h"
 #include "platform/data/data_set_focus.h"
+#include "platform/data/first_error.h"
 #include "platform/text/compare.h"
 #include "platform/text/exceptions.h"
 
@@ -88,9 +89,14 @@ void TDataSource::Notification(TComponent* component, TOperation operation) {
 }
 
 void TDataSource::Tell(DataEvent event, TField* field) {
+    FirstError error(event);
     for (size_t i = links_.size(); i-- > 0;)
-        if (i < links_.size()) links_[i]->Changed(event, field);
-    if (HasState(csDestroying)) return;
+        if (i < links_.size()) error.Of([&] { links_[i]->Changed(event, field); });
+    if (!HasState(csDestroying)) error.Of([&] { CallEvents(event, field); });
+    error.Raise();
+}
+
+void TDataSource::CallEvents(DataEvent event, TField* field) {
     switch (event) {
         case DataEvent::ActiveChanged:
         case DataEvent::StateChanged:

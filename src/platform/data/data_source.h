@@ -63,6 +63,7 @@ class TDataSource : public TComponent {
     friend class TDataSet;
     friend class TDataLink;
     void Tell(DataEvent event, TField* field);
+    void CallEvents(DataEvent event, TField* field);
 
     TDataSet* dataSet_ = nullptr;
     bool enabled_ = true;

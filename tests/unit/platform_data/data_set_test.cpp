@@ -263,6 +263,46 @@ TEST(DataSource, LinksHearOfWhatHappens) {
                                                 DataEvent::ActiveChanged));
 }
 
+TEST(DataSource, WhatHasChangedIsToldToAllWhoeverFailsOfIt) {
+    // As a detail does whose database is away.
+    class FailingEar : public TDataLink {
+      public:
+        bool Asked = false;  // fails of what asks, else of what tells
+        bool Fails = false;
+
+      protected:
+        void Changed(DataEvent event, TField*) override {
+            const bool asks = event == DataEvent::CheckBrowse || event == DataEvent::UpdateRecord;
+            if (Fails && asks == Asked) throw EDatabaseError(asks ? "refused" : "away");
+        }
+    };
+    TestDataSet data(5);
+    TDataSource source(nullptr), other(nullptr);
+    Ear before, after, elsewhere;
+    FailingEar failing;
+    before.SetDataSource(&source);
+    failing.SetDataSource(&source);
+    after.SetDataSource(&source);
+    elsewhere.SetDataSource(&other);
+    other.SetDataSet(&data);
+    source.SetDataSet(&data);
+    data.Open();
+    int handled = 0;
+    source.OnDataChange = [&](TObject*, TField*) { ++handled; };
+    for (Ear* ear : {&before, &after, &elsewhere}) ear->heard.clear();
+    failing.Fails = true;
+    EXPECT_EQ(MessageOf([&] { data.Next(); }), "EDatabaseError: away");
+    EXPECT_EQ(data.RecNo(), 2);
+    EXPECT_EQ(handled, 1);
+    for (Ear* ear : {&before, &after, &elsewhere}) EXPECT_THAT(ear->heard, testing::ElementsAre(DataEvent::Scrolled));
+    // Who is asked may refuse, and then nothing changes.
+    failing.Asked = true;
+    EXPECT_EQ(MessageOf([&] { data.Next(); }), "EDatabaseError: refused");
+    EXPECT_EQ(data.RecNo(), 2);
+    EXPECT_EQ(handled, 1);
+    failing.Fails = false;
+}
+
 TEST(DataSource, DisabledControlsHearOnceAtTheEnd) {
     TestDataSet data(5);
     TDataSource source(nullptr);
