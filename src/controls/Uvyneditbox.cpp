@@ -163,10 +163,16 @@ void TVynEditBox::UpdateButonEnabled() {
     Button().SetEnabled(link_->HasNeededComponent() && (!ReadOnly() || HasState(csDesigning)));
 }
 
+void TVynEditBox::UpdateButtonHint() {
+    AnsiString hint = DataLinkType() == dlt_Field ? "" : "Cerca (F2)";
+    if (const AnsiString failure = link_->Failure(); !failure.empty()) hint += "\n" + failure;
+    Button().SetHint(hint);
+}
+
 // What the link tells.
 
 void TVynEditBox::ValuesChanged() {
-    Button().SetHint(DataLinkType() == dlt_Field ? "" : "Cerca (F2)");
+    UpdateButtonHint();
     PlaceButton();
     Button().PeerChanged(PeerChange::Picture);
     UpdateReadOnly();
@@ -184,6 +190,7 @@ void TVynEditBox::DataChange() {
     if (HasState(csDestroying)) return;
     TakeFieldLimits();
     UpdateButonEnabled();
+    UpdateButtonHint();
     ShowText();
 }
 
@@ -240,6 +247,7 @@ void TVynEditBox::UpdateData() {
 
 void TVynEditBox::AutoSearched(const AnsiString& searched, const AnsiString& found) {
     UpdateReadOnly();
+    UpdateButtonHint();
     if (updatingText_) return;
     if (!typingSearch_) {
         // The search that ends was given up meanwhile, and the text that it stood for taken back.
@@ -297,7 +305,9 @@ void TVynEditBox::Reset() {
     SetModified(false);
     const Alive alive(*this);
     link_->Reset();
-    if (alive) SelectAll();
+    if (!alive) return;
+    link_->TryAgain();
+    SelectAll();
 }
 
 bool TVynEditBox::WantsKey(uint16_t key, TShiftState shift) const {
@@ -320,15 +330,17 @@ void TVynEditBox::KeyDown(uint16_t& key, TShiftState shift) {
     ShowModalSearch(Modified(), false);
 }
 
+// The record's own value is being looked up this moment: a key waits for it rather than being lost.
+void TVynEditBox::WaitForOwnValue() {
+    if (link_->VynComponentState() == vyncs_Searching && !BeingTyped()) link_->WaitUntilThreadFinished();
+}
+
 void TVynEditBox::KeyPress(char& key) {
-    // The record's own value is being looked up this moment: the key waits for it rather than being lost.
-    if (link_->VynComponentState() == vyncs_Searching && !BeingTyped()) {
-        const Alive alive(*this);
-        link_->WaitUntilThreadFinished();
-        if (!alive) {
-            key = 0;
-            return;
-        }
+    const Alive alive(*this);
+    WaitForOwnValue();
+    if (!alive) {
+        key = 0;
+        return;
     }
     UpdateReadOnly();
     // Every key, the characters of copying among them.
@@ -347,7 +359,6 @@ void TVynEditBox::KeyPress(char& key) {
         Reset();
         return;
     }
-    const Alive alive(*this);
     if (character || key == kCtrlX || key == kBackspace || key == kCtrlV) {
         try {
             link_->Edit();
@@ -367,8 +378,10 @@ void TVynEditBox::KeyPress(char& key) {
 }
 
 void TVynEditBox::ShowModalSearch(bool modified, bool extra) {
-    if (ReadOnly() || HasState(csDesigning)) return;
+    if (HasState(csDesigning)) return;
     const Alive alive(*this);
+    WaitForOwnValue();
+    if (!alive || ReadOnly()) return;
     link_->ShowModalSearch(Text(), modified, extra);
     if (alive && Focused() && !Modified()) SelectAll();
 }
@@ -383,6 +396,7 @@ void TVynEditBox::ButtonClick() {
 
 void TVynEditBox::DoEnter() {
     if (DataLinkType() == dlt_Field && !Modified()) ShowText();
+    if (!Modified()) link_->TryAgain();
     UpdateReadOnly();
     TBaseVynEditBox::DoEnter();
 }

@@ -24,6 +24,10 @@ namespace vyn {
 //
 // In a control grid the copies in other records' panels show plain fields; what is looked up they leave empty.
 //
+// Failing. A search that fails is told once, leaves what is typed as it is, and stands in the button's hint until one
+// succeeds; it is not repeated for each letter that is typed behind it. The record's own value is shown as none then.
+// Entering the box, and Escape, try it again.
+//
 // While the component is not there (being made, or a search of somebody else's running) the box is empty and read-only;
 // a key that comes while the record's own value is looked up waits until it is there.
 // Main thread only.
@@ -80,6 +84,8 @@ class TVynEditBox : public TBaseVynEditBox, public CopyOverPlainSource {
     // Follow what has become of the value; the button is there to be pressed when there is something to search in.
     void UpdateReadOnly();
     void UpdateButonEnabled();
+    // The button's hint: the key, and why nothing could be looked up while that is so.
+    void UpdateButtonHint();
 
     void ButtonClick() override;
     const TCustomImageList* ButtonImages() const override { return link_ ? link_->GetImageList() : nullptr; }
@@ -112,6 +118,7 @@ class TVynEditBox : public TBaseVynEditBox, public CopyOverPlainSource {
     void ValuesChanged();
     void AutoSearched(const AnsiString& searched, const AnsiString& found);
 
+    void WaitForOwnValue();
     void TakeFieldLimits();
     void ShowText();
     // What the user has typed here was neither taken nor taken back, and its record is still being edited.

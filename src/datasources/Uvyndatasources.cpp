@@ -68,9 +68,14 @@ void TVynDataSource::SetVynApp(TVynApp* value) {
 
 void TVynDataSource::AutoRefresh() {
     if (!list_) return;
-    for (int i = 0; i < list_->Count(); ++i)
-        for (TVynDataLink* link : list_->Record(i)->DataLinks)
+    std::vector<TVynDataLink*> failed;
+    for (int i = 0; i < list_->Count(); ++i) {
+        const TVynComponent& record = *list_->Record(i);
+        for (TVynDataLink* link : record.DataLinks)
             if (link->AutoRefresh) list_->MarkRefresh(link);
+        if (!record.Failure.empty()) failed.push_back(record.DataLinks.front());
+    }
+    for (TVynDataLink* link : failed) list_->TryAgain(link);
 }
 
 void TVynDataSource::Notification(TComponent* component, TOperation operation) {

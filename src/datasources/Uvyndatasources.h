@@ -31,7 +31,8 @@ class TVynDataSource : public TDataSource {
 
     // Null while the source is going.
     TVynComponentList* ComponentList() const { return list_.get(); }
-    // The links with AutoRefresh look their values up anew, the next time that they are shown.
+    // The links with AutoRefresh look their values up anew, the next time that they are shown; what failed is tried
+    // again.
     void AutoRefresh();
     // The application or the node is another one. Links are not refreshed by it.
     virtual void NotifyDataSourceChanged() {}

@@ -42,6 +42,17 @@ void QuestionAnswered() {
     for (const int handle : std::exchange(Questions().ToFree, {})) delete ComponentFromHandle(handle);
 }
 
+// Of what is being caught; none for a quiet cancel.
+AnsiString CurrentMessage() {
+    try {
+        throw;
+    } catch (const EAbort&) {
+        return {};
+    } catch (const std::exception& error) {
+        return error.what();
+    }
+}
+
 // Another cursor for as long as it lives.
 class WaitCursor {
   public:
@@ -246,6 +257,15 @@ void TVynComponentList::MarkRefresh(TVynDataLink* link) {
     record->LastSearchedValue = Variant();
 }
 
+void TVynComponentList::TryAgain(TVynDataLink* link) {
+    TVynComponent* record = RecordOf(link);
+    if (!record || record->Failure.empty()) return;
+    record->Failure.clear();
+    record->LastSearchedValue = Variant();
+    if (!record->Component) record->ToBeCreated = true;
+    link->RecordChanged(link->Field());
+}
+
 void TVynComponentList::WndProc(TMessage& message) {
     const auto link = reinterpret_cast<TVynDataLink*>(message.WParam);
     switch (message.Msg) {
@@ -287,6 +307,7 @@ void TVynComponentList::CreateComponent(TVynComponent* record) {
     TVynApp* app = source_->VynApp();
     TComponent* component = nullptr;
     HWND handle = 0;
+    AnsiString failure;
     try {
         if (record->Key.Type == dlt_Search) {
             const int idNode = app->Tree().Child(source_->IDNode(), record->Key.NChild).IDNode;
@@ -296,12 +317,14 @@ void TVynComponentList::CreateComponent(TVynComponent* record) {
             create(app, record->Key.ChildClassName, source_->NewComponentsOwner(), component, handle);
         }
     } catch (...) {
-        // Told once: the record stays as it is until its component is asked for under other settings.
+        // Told once: the record stays as it is until somebody has it tried again.
         component = nullptr;
+        failure = CurrentMessage();
         Application()->HandleException(nullptr);
     }
     // Whatever was opened may have closed what this list stands on.
     if (!IsLive(this) || !IsRecord(record)) return;
+    record->Failure = failure;
     if (!component || handle == 0) {
         record->State = vyncs_Nil;
     } else {
@@ -366,9 +389,11 @@ bool TVynComponentList::Search(TVynDataLink* link, bool fromUser) {
         cursor.Show();
         SearchRecord(link, found);
     } catch (...) {
-        // The record goes on without a value; what went wrong is told behind the search's end.
+        // The record goes on without a value; what went wrong is told behind the search's end. Who goes from record
+        // to record while the database is away knows by then.
+        const bool known = IsLive(this) && !fromUser && std::exchange(failureTold_, true);
         if (IsLive(this)) PostEnd(link, fromUser);
-        Application()->HandleException(nullptr);
+        if (!known) Application()->HandleException(nullptr);
         return false;
     }
     if (IsLive(this)) PostEnd(link, fromUser);
@@ -401,9 +426,13 @@ bool TVynComponentList::SearchRecord(TVynDataLink* link, bool& found) {
         if (!stays()) return false;
     } catch (...) {
         found = false;
-        if (stays()) forget();
+        if (stays()) {
+            forget();
+            record->Failure = CurrentMessage();
+        }
         throw;
     }
+    if (!value.IsNull()) failureTold_ = false;
     if (found)
         record->FoundValue = record->FieldValue = record->ValueOf(name, Variant::Null());
     else
@@ -415,6 +444,7 @@ bool TVynComponentList::SearchRecord(TVynDataLink* link, bool& found) {
 bool TVynComponentList::Locate(TVynComponent& record, const AnsiString& name, const Variant& value) {
     if (record.Handle == 0) return false;
     record.LastSearchedValue = value;
+    record.Failure.clear();
     if (record.Key.Type == dlt_Search) {
         TLocateStruct locate{name, value, true, record.RefreshPending, true};
         record.RefreshPending = false;

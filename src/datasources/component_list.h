@@ -56,6 +56,9 @@ struct TVynComponent {
     // Whose value it is that is looked for, and whether its user typed it. Null once the link has gone.
     TVynDataLink* AskedBy = nullptr;
     bool AskedByUser = false;
+    // Why the last search, or the making of the component, failed: nobody knows whether there is such a value. Empty
+    // when it did not.
+    AnsiString Failure;
     // The search that runs, or null; it frees itself.
     TVynBaseComponentThread* Search = nullptr;
 };
@@ -65,8 +68,9 @@ struct TVynComponent {
 //
 // Every change comes from a message that the list posts to its own window, so nothing is opened or searched inside the
 // caller's stack. Owns its records, their components and the searches that run; all are gone when it is. Errors while
-// a component is made or searched are told by the application, and leave the record in a state that can go on. Main
-// thread only: searches bring their work here.
+// a component is made or searched are told by the application, and leave the record in a state that can go on. That
+// records' own values cannot be looked up is told once, until one is again. Main thread only: searches bring their work
+// here.
 class TVynComponentList {
   public:
     explicit TVynComponentList(TVynDataSource* source);
@@ -117,6 +121,8 @@ class TVynComponentList {
     void WakeSearch(const TVynDataLink* link);
     // Next time the record's value is looked up even if it is the same.
     void MarkRefresh(TVynDataLink* link);
+    // Makes the link's component, or looks its value up, once more when that failed before; else nothing.
+    void TryAgain(TVynDataLink* link);
 
     // What a control shows for the link; asks for the component.
     void GetShowValue(TVynDataLink* link, AnsiString& text);
@@ -161,6 +167,7 @@ class TVynComponentList {
     std::unordered_map<const TVynDataLink*, TVynComponent*> recordOfLink_;
     std::vector<TVynBaseComponentThread*> searches_;
     bool busy_ = false;
+    bool failureTold_ = false;  // that records' own values cannot be looked up, and none was since
     WindowHandle window_;
 };
 

@@ -328,16 +328,30 @@ void TVynDataLink::ThreadSearchNewValue(uint32_t milliseconds, const AnsiString&
     // 0 stands for no deadline.
     const uint32_t deadline = TickCount() + milliseconds;
     SetDeadline(milliseconds == 0 ? 0 : deadline == 0 ? 1 : deadline);
-    const TVynComponent* record = list->RecordOf(this);
+    TVynComponent* record = list->RecordOf(this);
     if (!record) return;
     const AnsiString last = VarToStr(record->LastSearchedValue);
     const AnsiString found = VarToStr(record->FoundValue);
+    // What failed is asked again when it, or something else, is typed; not for each letter that is typed behind it.
+    const bool failed = !record->Failure.empty();
     const bool known = record->State == vyncs_available && AnsiSameText(record->SearchName, childDataShow_) &&
-                       !last.empty() && BeginsWith(text, last) && (found.empty() || BeginsWith(found, text));
+                       !last.empty() && BeginsWith(text, last) && (found.empty() || BeginsWith(found, text)) &&
+                       !(failed && text.size() == last.size());
+    if (failed && !known) record->LastSearchedValue = Variant();
     if (known)
         NotifySearchedValue(text, found);
     else
         list->VynDataLinkValueChanged(this, childDataShow_, true, text);
+}
+
+void TVynDataLink::TryAgain() {
+    if (TVynComponentList* list = ComponentList()) list->TryAgain(this);
+}
+
+AnsiString TVynDataLink::Failure() const {
+    const TVynComponentList* list = ComponentList();
+    const TVynComponent* record = list ? list->RecordOf(this) : nullptr;
+    return record ? record->Failure : AnsiString();
 }
 
 void TVynDataLink::ThreadWaitTime(TThread*, bool& wait, bool& terminate) {

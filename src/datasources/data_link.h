@@ -72,6 +72,9 @@ class TVynDataLink : public TFieldDataLink {
     virtual void ThreadWaitTime(TThread* thread, bool& wait, bool& terminate);
     // Takes the wait away and waits for the search of the link's record.
     void WaitUntilThreadFinished();
+    // Why the value could not be looked up, or its component made; empty when nothing failed. And once more, if so.
+    AnsiString Failure() const;
+    void TryAgain();
     void NotifySearchedValue(const AnsiString& searched, const AnsiString& found);
     // The tick count at which the search begins; 0 for at once.
     uint32_t SearchDeadline() const { return deadline_; }

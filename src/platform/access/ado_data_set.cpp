@@ -82,24 +82,25 @@ const ClassInfo& TCustomADODataSet::StaticClass() {
 
 int64_t TCustomADODataSet::PagedFrom = kLargeTable;
 
-// The ear at the master's source.
+// The ear at the master's source. A detail whose database is away when the master moves is closed, and that is told;
+// each later move of the master opens it again as soon as that goes, without telling it once more.
 class TCustomADODataSet::MasterLink : public TDataLink {
   public:
     explicit MasterLink(TCustomADODataSet& detail) : detail_(detail) {}
 
   protected:
     void Changed(DataEvent event, TField*) override {
-        if (detail_.HasState(csDestroying) || !detail_.Active()) return;
+        if (detail_.HasState(csDestroying) || !(detail_.Active() || closed_)) return;
         switch (event) {
             case DataEvent::ActiveChanged:
             case DataEvent::RecordsChanged:
             case DataEvent::Scrolled:
             case DataEvent::RecordChanged:
-                detail_.MasterChanged();
+                Follow();
                 break;
             case DataEvent::CheckBrowse:
                 // The master's record is left: so is the detail's.
-                detail_.CheckBrowseMode();
+                if (detail_.Active()) detail_.CheckBrowseMode();
                 break;
             case DataEvent::StateChanged:
             case DataEvent::LayoutChanged:
@@ -109,7 +110,27 @@ class TCustomADODataSet::MasterLink : public TDataLink {
     }
 
   private:
+    void Follow() {
+        if (detail_.Active()) {
+            closed_ = false;
+            try {
+                detail_.MasterChanged();
+            } catch (const EDatabaseError&) {
+                closed_ = !detail_.Active();
+                throw;
+            }
+            return;
+        }
+        try {
+            if (ActiveDataSet()) detail_.Open();
+            closed_ = !detail_.Active();
+        } catch (const EDatabaseError&) {
+            // Still away.
+        }
+    }
+
     TCustomADODataSet& detail_;
+    bool closed_ = false;  // by a failure
 };
 
 TCustomADODataSet::TCustomADODataSet(TComponent* owner)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <vector>
 
 #include "datasources/lookup_answers.h"
@@ -24,7 +25,8 @@ class TQuerySQL;
 // - A modal search shows a search screen (search_form.h) over the same dataset, with the columns of the form's list
 //   ("Graella") when it has one, also while the form itself is shown.
 //   While the dataset is edited, or searched already, it is refused with a sentence.
-// What goes wrong with the database while a record is located is raised; a search screen that cannot be shown for it
+// What goes wrong with the database while a record is located is raised, with the screen's name before it, and what
+// could not be read to its end is read again when it is searched next; a search screen that cannot be shown for it
 // says so itself. A field that there is not finds nothing, and stands in the status bar.
 class TFRMSQLGeneric : public TCustomFRM, protected LookupAnswers {
     VYN_OBJECT
@@ -66,6 +68,8 @@ class TFRMSQLGeneric : public TCustomFRM, protected LookupAnswers {
     bool Locate(const AnsiString& fieldName, const Variant& value);
     int EntryNode() const;
     bool Search(const TLocateStruct& wanted);
+    AnsiString SearchFailure(const EDatabaseError& error) const;
+    bool NamingFailures(const std::function<bool()>& search) const;
     std::vector<TQuerySQL*> Queries() const;
 
     LookedUpRecord record_;

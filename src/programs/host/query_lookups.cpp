@@ -57,16 +57,38 @@ TDataSet& TFRMSQLGeneric::RequireOpen() {
     return *data;
 }
 
+// Who looks a value up sees neither this screen nor its dataset: the message says where it was looked for.
+AnsiString TFRMSQLGeneric::SearchFailure(const EDatabaseError& error) const {
+    AnsiString text = error.Message();
+    const TDataSet* data = Query();
+    const AnsiString prefix = data ? data->Name() + ": " : AnsiString();
+    if (!prefix.empty() && text.rfind(prefix, 0) == 0) text.erase(0, prefix.size());
+    const AnsiString name = "\xAB" + Caption() + "\xBB";
+    return text.find(name) != AnsiString::npos ? text : "No es pot cercar a " + name + ": " + text;
+}
+
+bool TFRMSQLGeneric::NamingFailures(const std::function<bool()>& search) const {
+    try {
+        return search();
+    } catch (const EDatabaseError& error) {
+        throw EDatabaseError(SearchFailure(error));
+    }
+}
+
 bool TFRMSQLGeneric::Locate(const AnsiString& fieldName, const Variant& value) {
     TDataSet& data = RequireOpen();
+    // Nobody sees this screen to refresh it.
+    if (data.ReadingFailed() && !data.IsEditing()) data.Refresh();
     if (!data.FindField(fieldName)) ShowStatus("No hi ha cap camp \xAB" + fieldName + "\xBB.");
     return record_.Find(data, fieldName, value);
 }
 
 bool TFRMSQLGeneric::LocateRecord(const TLocateStruct& wanted) {
-    TDataSet& data = RequireOpen();
-    if (wanted.Second && !data.IsPaged() && !data.IsEditing()) data.Refresh();
-    return Locate(wanted.FieldName, wanted.Value);
+    return NamingFailures([&] {
+        TDataSet& data = RequireOpen();
+        if (wanted.Second && !data.IsPaged() && !data.IsEditing()) data.Refresh();
+        return Locate(wanted.FieldName, wanted.Value);
+    });
 }
 
 void TFRMSQLGeneric::ReadValues(TParametres& values) {
@@ -78,26 +100,30 @@ void TFRMSQLGeneric::ReadValues(TParametres& values) {
 }
 
 bool TFRMSQLGeneric::WriteValues(TParametres& values) {
-    bool found = true;
-    for (int i = 0; i < values.Count(false); ++i) {
-        const TParametresData data = values.GetParamsProps(i);
-        if (RequireOpen().FindField(data.Name))
-            found = Locate(data.Name, data.Value) && found;
-        else
-            parameters_.SetParametreValue(data.Name, data.Value);
-    }
-    return found;
+    return NamingFailures([&] {
+        bool found = true;
+        for (int i = 0; i < values.Count(false); ++i) {
+            const TParametresData data = values.GetParamsProps(i);
+            if (RequireOpen().FindField(data.Name))
+                found = Locate(data.Name, data.Value) && found;
+            else
+                parameters_.SetParametreValue(data.Name, data.Value);
+        }
+        return found;
+    });
 }
 
 AnsiString TFRMSQLGeneric::MaskOfValue(const AnsiString& name) {
-    const TField* field = RequireOpen().FindField(name);
+    // Asked for each record that a box shows: a database that is away is told to who searches.
+    const TDataSet* data = Query();
+    const TField* field = data ? data->FindField(name) : nullptr;
     return field ? field->EditMask() : AnsiString();
 }
 
 // The search screen says what goes wrong while it is opened: who pressed the key is before it, and nothing has changed.
 bool TFRMSQLGeneric::ChooseRecord(const TLocateStruct& wanted) {
     try {
-        return Search(wanted);
+        return NamingFailures([&] { return Search(wanted); });
     } catch (const EAbort&) {
         throw;
     } catch (const Exception& error) {

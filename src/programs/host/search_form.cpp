@@ -168,10 +168,20 @@ void TFRMCerca::Seek() {
     Part<TTimer>("Pausa").SetEnabled(false);
     waiting_ = false;
     TDataSet* data = request_.DataSet;
-    if (!data || !data->Active()) return;
+    if (!data) return;
     const AnsiString text = Part<TCustomEdit>("Cerca").Text();
     const Seeking here(*this);
-    const bool found = text.empty() || LookedUpRecord::Goto(*data, fieldName_, text);
+    bool found = false;
+    try {
+        // Closed when the database failed before.
+        if (!data->Active()) data->Open();
+        found = text.empty() || LookedUpRecord::Goto(*data, fieldName_, text);
+    } catch (...) {
+        // The current record is not the one that was typed: Enter searches for that first.
+        waiting_ = true;
+        ShowState("No s'ha pogut cercar: torneu-ho a provar.", true);
+        throw;
+    }
     if (found) grid_->SetTopRecord(data->CurrentRecord());
     ShowState(found ? AnsiString() : "Cap registre no comença així."_w, found && !data->IsEmpty());
 }
