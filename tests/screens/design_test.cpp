@@ -1,16 +1,20 @@
-// A design run of a whole application: what is set up in a screen is in its file, or its source folder, afterwards.
+// A design run of a whole application: what is set up in a screen, with its keys, is in its file, or its source folder,
+// afterwards.
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 
+#include "controls/Uvyneditbox.h"
 #include "package/package.h"
-#include "programs/host/design_run.h"
+#include "programs/host/custom_form.h"
 #include "programs/tools/source_folder.h"
 #include "programs/vyn/session.h"
+#include "screens/input.h"
+#include "screens/modal.h"
 
-namespace vyn {
+namespace vyn::screens {
 
 namespace {
 
@@ -68,34 +72,43 @@ class DesignSession : public testing::Test {
         text << file.rdbuf();
         return text.str();
     }
-    // Opens the application, has its box search by name, stores and saves that.
-    void SetUpTheBox(const std::string& file) {
+    RunOptions OptionsOf(const std::string& file) {
         RunOptions options;
         options.File = (folder_ / file).string();
         options.ValuesFile = (folder_ / "none.values").string();
-        Session session(options);
+        return options;
+    }
+    // Opens the application, has its box run a rule, and saves that.
+    void SetUpTheBox(const std::string& file) {
+        Session session(OptionsOf(file));
         session.App().SetDesignTime(true);
+        session.OpenNode(2);
+        Settle();
         auto& form = *ObjectCast<TCustomFRM>(&session.Open(2));
         auto& box = *ObjectCast<TVynEditBox>(form.FindComponent("Client"));
-        EXPECT_EQ(box.ChildDataShow(), "");
+        EXPECT_EQ(box.ExecuteEventName(), "");
         EXPECT_FALSE(session.App().GetModified());
-        box.SetChildDataShow("Nom");
-        StoreEditBox(form, box);
+        box.SetFocus();
+        InModalWindow there([](TCustomForm& dialog) {
+            TypeInto(*ObjectCast<TCustomEdit>(dialog.FindComponent("ebExecuteEventName")), "TriaClient");
+            ClickOn(*ObjectCast<TWinControl>(dialog.FindComponent("bbOk")));
+        });
+        PressKey(box, Key::CtrlF2);
+        Settle();
+        EXPECT_TRUE(there.Ran);
+        EXPECT_EQ(box.ExecuteEventName(), "TriaClient");
         EXPECT_TRUE(session.App().GetModified());
         session.SaveApplication();
         EXPECT_FALSE(session.App().GetModified());
     }
-    AnsiString ShownBy(const std::string& file) {
-        RunOptions options;
-        options.File = (folder_ / file).string();
-        options.ValuesFile = (folder_ / "none.values").string();
-        Session session(options);
-        return ObjectCast<TVynEditBox>(session.Open(2).FindComponent("Client"))->ChildDataShow();
+    AnsiString RuleOf(const std::string& file) {
+        Session session(OptionsOf(file));
+        return ObjectCast<TVynEditBox>(session.Open(2).FindComponent("Client"))->ExecuteEventName();
     }
     // The form with the one line more.
     static std::string Changed() {
         std::string text = kForm;
-        return text.insert(text.find("  end\n"), "    ChildDataShow = 'Nom'\n");
+        return text.insert(text.find("  end\n"), "    ExecuteEventName = 'TriaClient'\n");
     }
 
     fs::path folder_;
@@ -106,7 +119,7 @@ class DesignSession : public testing::Test {
 TEST_F(DesignSession, AnApplicationFileHasTheChangeAndItsExportOneLineMore) {
     ASSERT_EQ(BuildCommand((folder_ / "source").string(), (folder_ / "prova.vyn").string()), 0);
     SetUpTheBox("prova.vyn");
-    EXPECT_EQ(ShownBy("prova.vyn"), "Nom");
+    EXPECT_EQ(RuleOf("prova.vyn"), "TriaClient");
     ASSERT_EQ(ExportCommand((folder_ / "prova.vyn").string(), (folder_ / "exported").string()), 0);
     EXPECT_EQ(Get("exported/components/1.form"), Changed());
 }
@@ -114,7 +127,7 @@ TEST_F(DesignSession, AnApplicationFileHasTheChangeAndItsExportOneLineMore) {
 TEST_F(DesignSession, ASourceFolderHasOneLineMore) {
     SetUpTheBox("source");
     EXPECT_EQ(Get("source/components/1.form"), Changed());
-    EXPECT_EQ(ShownBy("source"), "Nom");
+    EXPECT_EQ(RuleOf("source"), "TriaClient");
 }
 
-}  // namespace vyn
+}  // namespace vyn::screens

@@ -4,10 +4,8 @@
 #include "platform/controls/buttons.h"
 #include "platform/controls/db_controls.h"
 #include "platform/controls/labels.h"
-#include "platform/controls/screen.h"
 #include "platform/controls/shortcuts.h"
 #include "platform/controls/status_bars.h"
-#include "platform/controls/timers.h"
 #include "platform/streams/text_form.h"
 #include "platform/system/application.h"
 #include "platform/system/message_dialogs.h"
@@ -15,6 +13,7 @@
 #include "programs/vyn/script_database.h"
 #include "providers/postgresql/connection.h"
 #include "providers/sqlite/connection.h"
+#include "screens/modal.h"
 #include "screens/screen.h"
 #include "servers/postgresql_cluster.h"
 
@@ -90,27 +89,6 @@ class EntryTest : public ScreenTest, public testing::WithParamInterface<const ch
         }
         return AnsiToUtf8(box.Text());
     }
-    // Runs what the user does in the next modal window, when that has come.
-    class InModalWindow {
-      public:
-        explicit InModalWindow(std::function<void(TCustomForm&)> user)
-            : user_(std::move(user)), before_(Screen()->ActiveForm()) {
-            timer_.SetInterval(5);
-            timer_.SetOnTimer([this](TObject*) {
-                TCustomForm* shown = Screen()->ActiveForm();
-                if (!shown || shown == before_ || !shown->IsModal()) return;
-                timer_.SetEnabled(false);
-                Ran = true;
-                user_(*shown);
-            });
-        }
-        bool Ran = false;
-
-      private:
-        std::function<void(TCustomForm&)> user_;
-        TCustomForm* before_;
-        TTimer timer_{nullptr};
-    };
     // Opens the search screen of a lookup; what the user does there runs while it is shown.
     void While(const AnsiString& name, const std::function<void(TCustomForm&)>& user) {
         Looked(name);

@@ -25,12 +25,20 @@ void PasteInto(TCustomEdit& edit, const AnsiString& text) {
 }
 
 void PressKey(TWinControl& control, Key key) {
-    uint16_t code = key == Key::Backspace ? VK_BACK : key == Key::Tab ? VK_TAB : VK_ESCAPE;
-    char character = static_cast<char>(code);
-    if (key == Key::Tab)
-        GetParentForm(&control)->SelectNext(&control, true, true);
-    else if (!control.ProcessKeyDown(code, {}))
-        control.ProcessKeyPress(character);
+    const auto press = [&](uint16_t code, char character, TShiftState shift) {
+        if (!control.ProcessKeyDown(code, shift) && character) control.ProcessKeyPress(character);
+    };
+    switch (key) {
+        case Key::Backspace:
+            return press(VK_BACK, VK_BACK, {});
+        case Key::Tab:
+            GetParentForm(&control)->SelectNext(&control, true, true);
+            return;
+        case Key::Escape:
+            return press(VK_ESCAPE, VK_ESCAPE, {});
+        case Key::CtrlF2:
+            return press(VK_F2, 0, {ssCtrl});
+    }
 }
 
 void ChooseIn(TWinControl& box, const AnsiString& text) {

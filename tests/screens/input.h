@@ -13,7 +13,7 @@ void TypeInto(TCustomEdit& edit, const AnsiString& text);
 void TypeOn(TCustomEdit& edit, const AnsiString& text);
 // Puts a text there from the clipboard.
 void PasteInto(TCustomEdit& edit, const AnsiString& text);
-enum class Key { Backspace, Tab, Escape };
+enum class Key { Backspace, Tab, Escape, CtrlF2 };
 void PressKey(TWinControl& control, Key key);
 // Types the beginning of an entry of a box with a list, and takes it.
 void ChooseIn(TWinControl& box, const AnsiString& text);

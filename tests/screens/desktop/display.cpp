@@ -2,6 +2,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <ctime>
 #include <stdexcept>
 
 #include <fcntl.h>
@@ -25,6 +26,21 @@ pid_t Start(const std::vector<std::string>& words, int keep = -1) {
         if (descriptor != keep) dup2(nowhere, descriptor);
     execvp(arguments[0], arguments.data());
     _exit(127);
+}
+
+// Starts the window manager, and waits until it manages: windows that come earlier never get the keyboard.
+pid_t StartManager() {
+    sigset_t ready;
+    sigset_t before;
+    sigemptyset(&ready);
+    sigaddset(&ready, SIGUSR1);
+    pthread_sigmask(SIG_BLOCK, &ready, &before);
+    const pid_t manager = Start({"openbox", "--startup", "sh -c 'kill -USR1 " + std::to_string(getpid()) + "'"});
+    constexpr timespec kLongestWait{20, 0};
+    const bool said = sigtimedwait(&ready, nullptr, &kLongestWait) == SIGUSR1;
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    if (!said) throw std::runtime_error("openbox did not start: is it installed (scripts/setup)?");
+    return manager;
 }
 
 void Stop(pid_t& child) {
@@ -59,7 +75,7 @@ VirtualDisplay::VirtualDisplay() {
         throw std::runtime_error("Xvfb did not start: is it installed (scripts/setup)?");
     }
     setenv("DISPLAY", (":" + number).c_str(), 1);
-    manager_ = Start({"openbox"});
+    manager_ = StartManager();
     RunProgram({"setxkbmap", "es"});
 }
 

@@ -96,7 +96,9 @@ void PasteInto(TCustomEdit& edit, const AnsiString& text) {
 }
 
 void PressKey(TWinControl& control, Key key) {
-    Press(control, {key == Key::Backspace ? "BackSpace" : key == Key::Tab ? "Tab" : "Escape"});
+    static const std::map<Key, const char*> keys = {
+        {Key::Backspace, "BackSpace"}, {Key::Tab, "Tab"}, {Key::Escape, "Escape"}, {Key::CtrlF2, "ctrl+F2"}};
+    Press(control, {keys.at(key)});
 }
 
 void ChooseIn(TWinControl& box, const AnsiString& text) {

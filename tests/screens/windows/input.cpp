@@ -5,11 +5,14 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QTest>
+#include <map>
+#include <utility>
 
 #include "platform/system/application.h"
 #include "platform/system/clipboard.h"
 #include "platform/text/windows1252.h"
 #include "qt/application.h"
+#include "qt/typing.h"
 #include "screens/window_of.h"
 
 namespace vyn::screens {
@@ -24,21 +27,8 @@ void PressControl(const TControl& control, Qt::Key key, char16_t character) {
 
 }  // namespace
 
-void TypeInto(TCustomEdit& edit, const AnsiString& text) {
-    // Coming to it comes first: a field may be edited as another text than it is shown.
-    if (edit.CanFocus()) edit.SetFocus();
-    PressControl(edit, Qt::Key_A, 1);
-    if (text.empty()) QTest::keyClick(WidgetOf(edit), Qt::Key_Delete);
-    TypeOn(edit, text);
-}
-
-void TypeOn(TCustomEdit& edit, const AnsiString& text) {
-    for (const QChar each : QString::fromStdString(AnsiToUtf8(text))) {
-        const bool plain = each.isLetterOrNumber() && each.unicode() < 128;
-        QKeyEvent press(QEvent::KeyPress, plain ? each.toUpper().unicode() : 0, Qt::NoModifier, QString(each));
-        QCoreApplication::sendEvent(WidgetOf(edit), &press);
-    }
-}
+void TypeInto(TCustomEdit& edit, const AnsiString& text) { qt::TypeInto(edit, text); }
+void TypeOn(TCustomEdit& edit, const AnsiString& text) { qt::TypeOn(edit, text); }
 
 void PasteInto(TCustomEdit& edit, const AnsiString& text) {
     Clipboard()->SetAsText(text);
@@ -46,9 +36,12 @@ void PasteInto(TCustomEdit& edit, const AnsiString& text) {
 }
 
 void PressKey(TWinControl& control, Key key) {
-    QTest::keyClick(WidgetOf(control), key == Key::Backspace ? Qt::Key_Backspace
-                                       : key == Key::Tab     ? Qt::Key_Tab
-                                                             : Qt::Key_Escape);
+    static const std::map<Key, std::pair<Qt::Key, Qt::KeyboardModifiers>> keys = {
+        {Key::Backspace, {Qt::Key_Backspace, Qt::NoModifier}},
+        {Key::Tab, {Qt::Key_Tab, Qt::NoModifier}},
+        {Key::Escape, {Qt::Key_Escape, Qt::NoModifier}},
+        {Key::CtrlF2, {Qt::Key_F2, Qt::ControlModifier}}};
+    QTest::keyClick(WidgetOf(control), keys.at(key).first, keys.at(key).second);
 }
 
 void ChooseIn(TWinControl& box, const AnsiString& text) {
