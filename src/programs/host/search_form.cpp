@@ -1,5 +1,7 @@
 #include "programs/host/search_form.h"
 
+#include <algorithm>
+
 #include "platform/controls/buttons.h"
 #include "platform/controls/edits.h"
 #include "platform/controls/form_classes.h"
@@ -12,6 +14,7 @@
 #include "platform/text/exceptions.h"
 #include "platform/text/windows1252.h"
 #include "programs/host/looked_up_record.h"
+#include "programs/host/search_fields.h"
 
 namespace vyn {
 
@@ -88,6 +91,7 @@ void TFRMCerca::Prepare(const SearchRequest& request) {
     source_->AutoEdit = false;
     source_->SetDataSet(request_.DataSet);
     grid_->SetDataSource(source_);
+    ShowSearchFields();
     grid_->OnRecordChosen = [this](TObject*) { Choose(); };
     grid_->OnTitleClick = [this](TColumn* column) { TitleClick(column); };
     source_->OnDataChange = [this](TObject*, TField* field) {
@@ -108,6 +112,17 @@ void TFRMCerca::Prepare(const SearchRequest& request) {
     else
         RecordMoved();
     typed_ = request_.Typed;
+}
+
+void TFRMCerca::ShowSearchFields() {
+    const TComponent* screen = request_.DataSet->Owner();
+    if (screen) fields_ = SearchFieldsOf(*screen, *request_.DataSet);
+    if (fields_.empty()) return;
+    // The field that the text is looked for in can be come back to.
+    const bool listed = std::any_of(fields_.begin(), fields_.end(),
+                                    [&](const AnsiString& each) { return SameText(each, request_.FieldName); });
+    if (!listed && request_.DataSet->FindField(request_.FieldName)) fields_.insert(fields_.begin(), request_.FieldName);
+    ShowFirst(*grid_, fields_);
 }
 
 void TFRMCerca::Restore(bool chosen) {
@@ -140,7 +155,8 @@ void TFRMCerca::SearchIn(const AnsiString& fieldName) {
 
 void TFRMCerca::SearchInNext(int step) {
     const auto& columns = grid_->ShownColumns();
-    const auto count = static_cast<int>(columns.size());
+    // The fields that can be searched stand first.
+    const auto count = static_cast<int>(fields_.empty() ? columns.size() : fields_.size());
     int at = step > 0 ? -1 : count;
     for (int i = 0; i < count; ++i)
         if (SameText(columns[static_cast<size_t>(i)]->FieldName(), fieldName_)) at = i;

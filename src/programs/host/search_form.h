@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <vector>
 
 #include "platform/controls/db_grids.h"
 #include "platform/controls/forms.h"
@@ -38,8 +39,10 @@ class TSearchGrid : public TDBGrid {
 // Keys, all while the keyboard is in the line
 //     Up, Down, Page Up, Page Down   the record beside, a screen on
 //     Home, End (also with Ctrl)     the first, last record; in the line with Shift
-//     F3, Shift+F3                   search in the field of the next column, the one before
+//     F3, Shift+F3                   search in the next field of those that can be, the one before
 //     Enter, Escape                  choose the record; leave all as it was
+// With search fields (search_fields.h) stored on the dataset's form F3 goes through those alone, and their columns are
+// the first; else it goes through all columns.
 // A click on a title orders by its field, and searches in it. A double click chooses.
 //
 // The dataset may have a window of its own, which follows the current record meanwhile. It has its order back
@@ -71,6 +74,7 @@ class TFRMCerca : public TForm {
         TFRMCerca& Form;
     };
     void Prepare(const SearchRequest& request);
+    void ShowSearchFields();
     void Restore(bool chosen);
     // Orders by a field and searches in it.
     void SearchIn(const AnsiString& fieldName);
@@ -88,6 +92,7 @@ class TFRMCerca : public TForm {
     SearchRequest request_;
     TSearchGrid* grid_ = nullptr;
     TDataSource* source_ = nullptr;
+    std::vector<AnsiString> fields_;  // what can be searched; empty: every column
     AnsiString fieldName_;
     AnsiString orderBefore_;
     TBookmark recordBefore_;

@@ -209,6 +209,129 @@ TEST_F(SearchScreens, AKeyGoesThroughTheFieldsThatCanBeSearched) {
     EXPECT_EQ(DataOf(form).Sort(), "");
 }
 
+namespace {
+
+// A list with stored search fields, entries of which name these components; its own columns are code and name.
+class SearchFieldScreens : public SearchScreens {
+  protected:
+    TFRMSQLGeneric& OpenWith(const std::vector<std::string>& components, bool columns = true) {
+        std::string text =
+            "object FRMDBGrid: TFRMDBGrid\n  object Nom: TDBEdit\n    DataField = 'nom'\n    DataSource = Font\n"
+            "    TabOrder = 9\n  end\n  object Lluny: TDBEdit\n    DataField = 'nom'\n    TabOrder = 10\n  end\n";
+        if (columns)
+            text +=
+                "  object Graella: TDBGrid\n    Columns = <\n      item\n        FieldName = 'codi'\n        "
+                "Title.Caption = 'Codi de client'\n        Width = 90\n      end\n      item\n        FieldName = "
+                "'nom'\n        Title.Caption = 'Nom'\n      end\n      item\n        FieldName = 'alta'\n        "
+                "Visible = False\n      end>\n  end\n";
+        text +=
+            "  object Consulta: TADOQuery\n    SQL.Strings = (\n      'SELECT * FROM clients ORDER BY id')\n"
+            "    object CampId: TIntegerField\n      FieldName = 'id'\n    end\n    object CampCodi: TStringField\n"
+            "      FieldName = 'codi'\n      Size = 6\n    end\n    object CampNom: TStringField\n"
+            "      FieldName = 'nom'\n      Size = 30\n    end\n    object CampAlta: TDateField\n"
+            "      DisplayLabel = 'Alta'\n      FieldName = 'alta'\n    end\n    object CampFoto: TBlobField\n"
+            "      FieldName = 'foto'\n    end\n  end\n  object Cercables: TCampsBuscar\n    CampsBuscar = (\n";
+        for (const std::string& name : components) text += "      (\n" + name + " 1 0 '' 0 '' '')\n";
+        Store(6, 1, 8, text + ")\n  end\nend\n");
+        return Open<>(6);
+    }
+    static std::string Titles(TFRMCerca& screen) {
+        AnsiString titles;
+        for (const TColumn* column : Part<TCustomDBGrid>(screen, "Graella").ShownColumns())
+            titles += (titles.empty() ? "" : "|") + column->Title()->Caption();
+        return AnsiToUtf8(titles);
+    }
+    // The fields that F3 comes to, one after the other.
+    static std::string Round(TFRMCerca& screen, int presses, TShiftState shift = {}) {
+        AnsiString round;
+        for (int i = 0; i < presses; ++i) {
+            Key(screen, VK_F3, shift);
+            round += (round.empty() ? "" : ", ") + Part<TLabel>(screen, "PerCamp").Caption();
+        }
+        return AnsiToUtf8(round);
+    }
+};
+
+}  // namespace
+
+TEST_F(SearchFieldScreens, TheyComeFirstAndTheKeyGoesThroughThemAlone) {
+    auto& form = OpenWith({"CampNom", "CampAlta"});
+    EXPECT_FALSE(Search(form, "gar", true, [&](TFRMCerca& screen) {
+        EXPECT_EQ(Titles(screen), "Nom|Alta|Codi de client");
+        EXPECT_EQ(Current(screen), "García");
+        EXPECT_EQ(Round(screen, 3), "per Alta, per Nom, per Alta");
+        EXPECT_EQ(Round(screen, 2, {ssShift}), "per Nom, per Alta");
+        Key(screen, VK_ESCAPE);
+    }));
+    EXPECT_EQ(Part<TCustomDBGrid>(form, "Graella").ShownColumns().size(), 2u) << "the list's own stay as they are";
+}
+
+TEST_F(SearchFieldScreens, WhatTheBoxShowsIsSearchedFirstAndIsOneOfThem) {
+    auto& form = OpenWith({"CampAlta", "CampCodi"});
+    EXPECT_FALSE(Search(form, "gar", true, [&](TFRMCerca& screen) {
+        EXPECT_EQ(Titles(screen), "Nom|Alta|Codi de client");
+        EXPECT_EQ(Part<TLabel>(screen, "PerCamp").Caption(), "per Nom");
+        EXPECT_EQ(Round(screen, 3), "per Alta, per Codi de client, per Nom");
+        Key(screen, VK_ESCAPE);
+    }));
+}
+
+TEST_F(SearchFieldScreens, AnUnknownFieldIsSearchedByTheFirstOfThem) {
+    auto& form = OpenWith({"CampAlta", "CampNom"});
+    EXPECT_FALSE(Search(
+        form, "x", false,
+        [&](TFRMCerca& screen) {
+            EXPECT_EQ(Part<TLabel>(screen, "PerCamp").Caption(), "per Alta");
+            Key(screen, VK_ESCAPE);
+        },
+        "no_hi_es"));
+}
+
+TEST_F(SearchFieldScreens, AColumnOfAnyOtherFieldIsStillOrderedBy) {
+    auto& form = OpenWith({"CampNom"});
+    EXPECT_FALSE(Search(form, "", false, [&](TFRMCerca& screen) {
+        auto& grid = Part<TCustomDBGrid>(screen, "Graella");
+        grid.ProcessTitleClick(1);
+        EXPECT_EQ(Part<TLabel>(screen, "PerCamp").Caption(), "per Codi de client");
+        EXPECT_EQ(Round(screen, 1), "per Nom") << "and the key comes back to those that can be searched";
+        Key(screen, VK_ESCAPE);
+    }));
+}
+
+TEST_F(SearchFieldScreens, AListWithoutColumnsShowsAllFieldsBehindThem) {
+    auto& form = OpenWith({"CampAlta", "CampNom"}, false);
+    EXPECT_FALSE(Search(form, "gar", true, [&](TFRMCerca& screen) {
+        EXPECT_EQ(Titles(screen), "Alta|nom|id|codi|foto");
+        Key(screen, VK_ESCAPE);
+    }));
+}
+
+TEST_F(SearchFieldScreens, ControlsStandForTheirFieldsAndOthersSayNothing) {
+    auto& form = OpenWith({"CampCodi", "Nom", "Lluny", "Titol", "NoHiEs", "CampNom"});
+    EXPECT_FALSE(Search(form, "gar", true, [&](TFRMCerca& screen) {
+        EXPECT_EQ(Titles(screen), "Codi de client|Nom");
+        EXPECT_EQ(Round(screen, 2), "per Codi de client, per Nom");
+        Key(screen, VK_ESCAPE);
+    }));
+}
+
+TEST_F(SearchFieldScreens, APictureIsPassedOver) {
+    auto& form = OpenWith({"CampNom", "CampFoto", "CampCodi"});
+    EXPECT_FALSE(Search(form, "gar", true, [&](TFRMCerca& screen) {
+        EXPECT_EQ(Round(screen, 2), "per Codi de client, per Nom");
+        Key(screen, VK_ESCAPE);
+    }));
+}
+
+TEST_F(SearchFieldScreens, WithoutEntriesEveryColumnIsSearched) {
+    auto& form = OpenWith({"NoHiEs"});
+    EXPECT_FALSE(Search(form, "gar", true, [&](TFRMCerca& screen) {
+        EXPECT_EQ(Titles(screen), "Codi de client|Nom");
+        EXPECT_EQ(Round(screen, 2), "per Codi de client, per Nom");
+        Key(screen, VK_ESCAPE);
+    }));
+}
+
 TEST_F(SearchScreens, ALargeTableIsSearchedByTheEngine) {
     FillWithMany();
     auto& form = Open<>(2);
