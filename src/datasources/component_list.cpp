@@ -22,6 +22,12 @@ std::vector<const TVynComponentList*>& LiveLists() {
     return lists;
 }
 
+// A lookup failed and that was told, and none has gone well since.
+bool& OutageTold() {
+    static bool told = false;
+    return told;
+}
+
 void ShowError(const char* where, const std::exception& error) {
     Application()->MessageBox(AnsiString(where) + error.what(), "ERROR", MB_OK);
 }
@@ -89,6 +95,7 @@ TVynComponentKey TVynComponentKey::Of(int32_t nChild, TVynDataLinkType type, con
 
 TVynComponentList::TVynComponentList(TVynDataSource* source)
     : source_(source), window_([this](TMessage& message) { WndProc(message); }) {
+    if (LiveLists().empty()) OutageTold() = false;
     LiveLists().push_back(this);
 }
 
@@ -391,9 +398,13 @@ bool TVynComponentList::Search(TVynDataLink* link, bool fromUser) {
     } catch (...) {
         // The record goes on without a value; what went wrong is told behind the search's end. Who goes from record
         // to record while the database is away knows by then.
-        const bool known = IsLive(this) && !fromUser && std::exchange(failureTold_, true);
-        if (IsLive(this)) PostEnd(link, fromUser);
-        if (!known) Application()->HandleException(nullptr);
+        TVynComponent* record = IsLive(this) ? RecordOf(link) : nullptr;
+        const bool known = record && !fromUser && (record->FailureTold || OutageTold());
+        if (record) PostEnd(link, fromUser);
+        if (known) return false;
+        if (record) record->FailureTold = true;
+        OutageTold() = true;
+        Application()->HandleException(nullptr);
         return false;
     }
     if (IsLive(this)) PostEnd(link, fromUser);
@@ -432,7 +443,7 @@ bool TVynComponentList::SearchRecord(TVynDataLink* link, bool& found) {
         }
         throw;
     }
-    if (!value.IsNull()) failureTold_ = false;
+    if (!value.IsNull()) record->FailureTold = OutageTold() = false;
     if (found)
         record->FoundValue = record->FieldValue = record->ValueOf(name, Variant::Null());
     else

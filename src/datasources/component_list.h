@@ -59,6 +59,7 @@ struct TVynComponent {
     // Why the last search, or the making of the component, failed: nobody knows whether there is such a value. Empty
     // when it did not.
     AnsiString Failure;
+    bool FailureTold = false;  // and nothing was found since
     // The search that runs, or null; it frees itself.
     TVynBaseComponentThread* Search = nullptr;
 };
@@ -68,9 +69,9 @@ struct TVynComponent {
 //
 // Every change comes from a message that the list posts to its own window, so nothing is opened or searched inside the
 // caller's stack. Owns its records, their components and the searches that run; all are gone when it is. Errors while
-// a component is made or searched are told by the application, and leave the record in a state that can go on. That
-// records' own values cannot be looked up is told once, until one is again. Main thread only: searches bring their work
-// here.
+// a component is made or searched are told by the application, and leave the record in a state that can go on. What
+// nobody typed fails as often as records are gone through, and in all boxes of a form at once: it is told once, until
+// values are looked up again. Main thread only: searches bring their work here.
 class TVynComponentList {
   public:
     explicit TVynComponentList(TVynDataSource* source);
@@ -167,7 +168,6 @@ class TVynComponentList {
     std::unordered_map<const TVynDataLink*, TVynComponent*> recordOfLink_;
     std::vector<TVynBaseComponentThread*> searches_;
     bool busy_ = false;
-    bool failureTold_ = false;  // that records' own values cannot be looked up, and none was since
     WindowHandle window_;
 };
 

@@ -1,12 +1,9 @@
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <filesystem>
 #include <fstream>
 #include <random>
 #include <sstream>
 
+#include "faults/another.h"
 #include "faults/embedded_file.h"
 
 using namespace faults;
@@ -26,55 +23,6 @@ std::string BytesOf(const std::string& file) {
 void Write(const std::string& file, const std::string& bytes) {
     std::ofstream(file, std::ios::binary | std::ios::trunc) << bytes;
 }
-
-// Another program that works on the file, and that goes on when it is told to.
-class Another {
-  public:
-    // `action` calls its argument to say that it is so far, and to wait.
-    explicit Another(const std::function<void(const std::function<void()>& soFar)>& action) {
-        if (pipe(there_) != 0 || pipe(back_) != 0) throw std::runtime_error("no pipe");
-        process_ = fork();
-        if (process_ == 0) {
-            close(there_[1]);
-            close(back_[0]);
-            try {
-                action([&] {
-                    char sign = 's';
-                    if (write(back_[1], &sign, 1) != 1 || read(there_[0], &sign, 1) != 1) _exit(3);
-                });
-            } catch (...) {
-                _exit(2);
-            }
-            _exit(0);
-        }
-        close(there_[0]);
-        close(back_[1]);
-        char sign = 0;
-        if (read(back_[0], &sign, 1) != 1) throw std::runtime_error("the other program does not come so far");
-    }
-    ~Another() {
-        if (process_ > 0) Kill();
-        close(there_[1]);
-        close(back_[0]);
-    }
-    void GoOnToTheEnd() {
-        const char sign = 'g';
-        if (write(there_[1], &sign, 1) != 1) throw std::runtime_error("the other program is gone");
-        int status = 0;
-        waitpid(process_, &status, 0);
-        process_ = 0;
-        EXPECT_EQ(status, 0);
-    }
-    void Kill() {
-        kill(process_, SIGKILL);
-        waitpid(process_, nullptr, 0);
-        process_ = 0;
-    }
-
-  private:
-    pid_t process_ = 0;
-    int there_[2] = {}, back_[2] = {};
-};
 
 }  // namespace
 

@@ -8,10 +8,12 @@
 #include "platform/system/ticks.h"
 #include "programs/host/query_form.h"
 #include "screens/entry.h"
+#include "screens/modal.h"
 
 namespace faults {
 
 using namespace vyn;
+using screens::InModalWindow;
 using screens::Key;
 using screens::PressKey;
 using screens::TypeInto;
@@ -30,7 +32,7 @@ class LookupFault : public screens::EntryTest {
     void TearDown() override {
         clock_.reset();
         EntryTest::TearDown();
-        EXPECT_EQ(RunningThreads(), 0) << "no search outlives its list";
+        ExpectNoSearchLeft();
         Application()->Restart();
         TCustomADODataSet::PagedFrom = TCustomADODataSet::kLargeTable;
     }

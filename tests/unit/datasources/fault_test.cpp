@@ -209,6 +209,55 @@ TEST_F(LookupFaults, ACreateMethodThatFailsIsToldAndNotTriedForEver) {
     expectedErrors = "cannot be made;";
 }
 
+TEST_F(LookupFaults, WhatCouldNotBeMadeIsMadeWhenItIsTriedAgain) {
+    static bool broken = true;
+    broken = true;
+    VynDataSource_RegisterClassName(
+        "Sometimes", [](TVynApp*, const AnsiString& name, TComponent* owner, TComponent*& component, HWND& handle) {
+            if (broken) throw Exception("cannot be made");
+            TCustomerClass::Create(nullptr, name, owner, component, handle);
+        });
+    link = MakeLink();
+    link->SetVynDataLinkType(dlt_Class);
+    link->SetChildClassName("Sometimes");
+    link->HasComponent();
+    Settle();
+    EXPECT_EQ(Shown(), "(Nil)");
+    EXPECT_EQ(link->Failure(), "cannot be made");
+    link->TryAgain();
+    Settle();
+    EXPECT_EQ(link->Failure(), "cannot be made");
+    broken = false;
+    // As the screen is refreshed.
+    source->AutoRefresh();
+    Settle();
+    EXPECT_EQ(link->VynComponentState(), vyncs_available);
+    EXPECT_EQ(link->Failure(), "");
+    link->TryAgain();
+    Settle();
+    expectedErrors = "cannot be made;cannot be made;";
+}
+
+TEST_F(LookupFaults, WhatNobodyTypedIsToldOnceUntilValuesAreFoundAgain) {
+    Ready();
+    customers.Inside = [&] { throw EDatabaseError("away"); };
+    for (int i = 0; i < 3; ++i) {
+        orders->Next();
+        customers.Inside = [&] { throw EDatabaseError("away"); };
+        Settle();
+        EXPECT_EQ(Shown(), "");
+        EXPECT_EQ(link->Failure(), "away");
+    }
+    customers.Inside = nullptr;
+    orders->First();
+    Settle();
+    EXPECT_EQ(link->Failure(), "");
+    customers.Inside = [&] { throw EDatabaseError("away again"); };
+    orders->Next();
+    Settle();
+    expectedErrors = "away;away again;";
+}
+
 TEST_F(LookupFaults, ACreateMethodThatGivesHalfAComponentGivesNone) {
     VynDataSource_RegisterClassName("Half", [](TVynApp*, const AnsiString&, TComponent* owner, TComponent*& component,
                                                HWND&) { component = new TComponent(owner); });
