@@ -76,17 +76,17 @@ TEST_F(Application_, ALowerCaseTagIsAccepted) {
 TEST_F(Application_, Formats51To54AreAcceptedAndNoOthers) {
     for (const int version : {51, 54}) LoadBytes(*app, FileOf(*app, "VYN", version, kTen, true));
     for (const int version : {50, 55})
-        EXPECT_EQ(ErrorOf([&] { LoadBytes(*app, FileOf(*app, "VYN", version, kTen, true)); }),
+        EXPECT_EQ(MessageOf([&] { LoadBytes(*app, FileOf(*app, "VYN", version, kTen, true)); }),
                   "EVynError: TVynApp ERROR:\nNot a valid VYN Stream:\nVYN\n" + IntToStr(version));
 }
 
 TEST_F(Application_, AnotherTagIsNamed) {
-    EXPECT_EQ(ErrorOf([&] { LoadBytes(*app, FileOf(*app, "VAN", 54, kTen, true)); }),
+    EXPECT_EQ(MessageOf([&] { LoadBytes(*app, FileOf(*app, "VAN", 54, kTen, true)); }),
               "EVynError: TVynApp ERROR:\nNot a valid VYN Stream:\nVAN\n54");
 }
 
 TEST_F(Application_, ADateOf36500IsCorruptedAndAnyLaterOneIsNot) {
-    EXPECT_EQ(ErrorOf([&] { LoadBytes(*app, FileOf(*app, "VYN", 54, 36500.0, true)); }),
+    EXPECT_EQ(MessageOf([&] { LoadBytes(*app, FileOf(*app, "VYN", 54, 36500.0, true)); }),
               "EVynError: TVynApp ERROR:\nNot a valid VYN Stream (Corrupted DateTime)");
     LoadBytes(*app, FileOf(*app, "VYN", 54, 36500.001, true));
 }
@@ -122,7 +122,7 @@ TEST_F(Application_, AFailedLoadKeepsTheInfo) {
 TEST_F(Application_, LoadingTwiceWithoutClearingMeetsTheComponentsThatAreThere) {
     Store(7, "object A: TCustomFRM\nend\n");
     const std::string bytes = SaveBytes(*app);
-    EXPECT_EQ(ErrorOf([&] { LoadBytes(*app, bytes); }).substr(0, 40),
+    EXPECT_EQ(MessageOf([&] { LoadBytes(*app, bytes); }).substr(0, 40),
               AnsiString("EComponentsVyn: Duplicate IDComponents: 7").substr(0, 40));
     app->ClearApp();
     LoadBytes(*app, bytes);
@@ -180,7 +180,7 @@ TEST_F(Application_, EachStoreAloneMakesItModified) {
 
 TEST_F(Application_, ADatabaseWithoutANameIsNoDefault) {
     TDataBaseVyn database(nullptr);
-    const AnsiString error = ErrorOf([&] { app->SetDefaultDB(&database); });
+    const AnsiString error = MessageOf([&] { app->SetDefaultDB(&database); });
     if (database.VynDBName().empty())
         EXPECT_EQ(error, "EVynError: TVynApp ERROR:\nTDataBaseVyn - VynDBName cannot be empty!");
 }
@@ -258,14 +258,14 @@ TEST_F(Application_, APackageBringsItsClassesAndTakesThemAlong) {
         ++told;
     };
     EXPECT_EQ(app->VynBPLName(), "VYNB5400.BPL");
-    EXPECT_EQ(ErrorOf([&] { app->UnLoadBPL(); }), "EVynError: TVynApp ERROR:\nBPL not loaded");
+    EXPECT_EQ(MessageOf([&] { app->UnLoadBPL(); }), "EVynError: TVynApp ERROR:\nBPL not loaded");
     app->SetVynBPLName(AnsiString(APP_LIBRARIES) + "\\pack.bpl");
     app->LoadBPL();
     ASSERT_TRUE(app->VynBPLLoaded());
     EXPECT_EQ(app->AppName(), "initialized");
     EXPECT_NE(GetClass("TPackPart"), nullptr);
     EXPECT_NE(Application()->FindComponent("PackPart1"), nullptr);
-    EXPECT_EQ(ErrorOf([&] { app->LoadBPL(); }),
+    EXPECT_EQ(MessageOf([&] { app->LoadBPL(); }),
               "EVynError: TVynApp ERROR:\n" + AnsiString(APP_LIBRARIES) + "\\pack.bpl file loaded");
     app->UnLoadBPL();
     EXPECT_FALSE(app->VynBPLLoaded());
@@ -291,7 +291,7 @@ TEST_F(Application_, APackageThatIsNotThereIsTriedAndTold) {
     EXPECT_FALSE(app->VynBPLLoaded());
     EXPECT_EQ(told, 1);
     app->SetVynBPLName("  ");
-    EXPECT_EQ(ErrorOf([&] { app->LoadBPL(); }), "EVynError: TVynApp ERROR:\nBPL File not initialized");
+    EXPECT_EQ(MessageOf([&] { app->LoadBPL(); }), "EVynError: TVynApp ERROR:\nBPL File not initialized");
     EXPECT_TRUE(app->StoreBPLName());
     app->SetVynBPLName("NO FILE");
     EXPECT_FALSE(app->StoreBPLName());

@@ -46,7 +46,7 @@ AppTest::AppTest() {
     TGuardProbe::Result = mrOk;
     hook = Application()->HookMainWindow([](TMessage& message) {
         Note("host", message);
-        return IsOurs(message.Msg);
+        return IsToHost(message);
     });
     app = std::make_unique<TVynApp>(nullptr);
     Parametres()->Clear();
@@ -63,19 +63,11 @@ AppTest::~AppTest() {
 }
 
 void AppTest::Store(int component, const std::string& form, int type) {
-    TMemoryStream stream(fixture_detail::FormBytes(form));
-    app->Components().InsertComponent(TComponentVyn{component, type, "C" + IntToStr(component)}, stream);
+    StoreForm(*app, {component, type, "C" + IntToStr(component)}, form);
 }
 
 void AppTest::Node(int number, int parent, int type, int component, const AnsiString& name) {
-    TNodeArbre node;
-    node.IDNode = number;
-    node.IDParent = parent;
-    node.Child = number * 10;
-    node.IDComponent = component;
-    node.NodeType = type;
-    node.Name = name;
-    app->Tree().Add(node);
+    app->Tree().Add({number, parent, number * 10, component, type, name});
 }
 
 AnsiString AppTest::StoredText(int component) const {

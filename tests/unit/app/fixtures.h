@@ -8,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "app/Utvynapp.h"
 #include "foundation/Uparametres.h"
 #include "package/package.h"
 #include "platform/controls/form_classes.h"
@@ -22,20 +21,13 @@
 #include "platform/system/application.h"
 #include "platform/text/clock.h"
 #include "platform/text/numbers.h"
+#include "support/applications.h"
+#include "support/errors.h"
 
 // An application with its host: what it is told and what it sends is written down.
 namespace app_fixtures {
 
 using namespace vyn;
-
-inline AnsiString ErrorOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Exception& error) {
-        return AnsiString(error.ClassName()) + ": " + error.Message();
-    }
-    return "no error";
-}
 
 // 21 November 2026, 10:00.
 constexpr double kTen = 46347.0 + 10.0 / 24.0;
@@ -57,10 +49,9 @@ inline std::function<void(TMessage&)>& OnWindowMessage() {
     static std::function<void(TMessage&)> handler;
     return handler;
 }
-inline bool IsOurs(uint32_t message) { return message >= VYN_APPCREATED && message <= VYN_DESIGNTIMEOFF; }
 
 inline void Note(const AnsiString& name, TMessage& message) {
-    if (!IsOurs(message.Msg)) return;
+    if (!IsToHost(message)) return;
     Log().push_back(name + " " + IntToStr(message.Msg));
     if (OnWindowMessage()) OnWindowMessage()(message);
     const auto answer = Answers().find(message.Msg);

@@ -13,7 +13,7 @@ class Opening : public AppTest {
 };
 
 TEST_F(Opening, AnUnknownNodeIsAPlainException) {
-    EXPECT_EQ(ErrorOf([&] { app->ObreComponent(99, nullptr); }), "Exception: No se encuentra el Nodo con ID: \"99\"");
+    EXPECT_EQ(MessageOf([&] { app->ObreComponent(99, nullptr); }), "Exception: No se encuentra el Nodo con ID: \"99\"");
 }
 
 TEST_F(Opening, NothingOpensWithoutAComponentOrThroughAShortcut) {
@@ -137,8 +137,8 @@ TEST_F(Opening, AProcedureThatIsNotThereFallsBack) {
 
 TEST_F(Opening, ATypeWithoutAClassIsAnErrorUnlessTheHostSuppliesOne) {
     const AnsiString expected = "EVynError: TVynApp ERROR:\nCould not determine Class of Object type: 99";
-    EXPECT_EQ(ErrorOf([&] { app->CreaNouComponent(2, 99, nullptr); }), expected);
-    EXPECT_EQ(ErrorOf([&] { app->CreaComponent(99, nullptr); }), expected);
+    EXPECT_EQ(MessageOf([&] { app->CreaNouComponent(2, 99, nullptr); }), expected);
+    EXPECT_EQ(MessageOf([&] { app->CreaComponent(99, nullptr); }), expected);
     app->OnVynAppNeedClass = [](TVynApp*, int, TClass& found) { found = &TPlainProbe::StaticClass(); };
     const std::unique_ptr<TComponent> made(app->CreaComponent(99, nullptr));
     EXPECT_EQ(made->ClassName(), "TCustomFRM");
@@ -146,9 +146,9 @@ TEST_F(Opening, ATypeWithoutAClassIsAnErrorUnlessTheHostSuppliesOne) {
 
 TEST_F(Opening, AClassThatIsNoComponentIsNamed) {
     app->OnVynAppNeedClass = [](TVynApp*, int, TClass& found) { found = &TStringList::StaticClass(); };
-    EXPECT_EQ(ErrorOf([&] { app->CreaComponent(4, nullptr); }),
+    EXPECT_EQ(MessageOf([&] { app->CreaComponent(4, nullptr); }),
               "EVynError: TVynApp ERROR:\nClass: TStringList not inherited from TComponent");
-    EXPECT_EQ(ErrorOf([&] { app->CreaNouComponent(2, 4, nullptr); }),
+    EXPECT_EQ(MessageOf([&] { app->CreaNouComponent(2, 4, nullptr); }),
               "EVynError: TVynApp ERROR:\nClasse is not TComponent inherited in CreaNouComponent");
 }
 
@@ -167,20 +167,20 @@ TEST_F(Opening, ANewComponentIsNamedAfterTheMinute) {
 }
 
 TEST_F(Opening, ResourcesOfNoNodeAndOfNoClassAreErrors) {
-    EXPECT_EQ(ErrorOf([&] { app->RecursosFinals(99); }),
+    EXPECT_EQ(MessageOf([&] { app->RecursosFinals(99); }),
               "EVynError: TVynApp ERROR:\nERROR a RecursosFinals: IDNode is not a valid node (99)");
     EXPECT_EQ(app->RecursosFinals(1), nullptr);
     PRecursosObjecte tree;
-    EXPECT_EQ(ErrorOf([&] { app->GetCopiaDelsRecursosDeDelphi("TNoSuch", tree); }),
+    EXPECT_EQ(MessageOf([&] { app->GetCopiaDelsRecursosDeDelphi("TNoSuch", tree); }),
               "EVynError: TVynApp ERROR:\nERROR 1 en TVynApp.GetCopiaDelsRecursosDeDelphi");
     RegisterClass(&TStringList::StaticClass());
-    EXPECT_EQ(ErrorOf([&] { app->GetCopiaDelsRecursosDeDelphi("TStringList", tree); }),
+    EXPECT_EQ(MessageOf([&] { app->GetCopiaDelsRecursosDeDelphi("TStringList", tree); }),
               "EVynError: TVynApp ERROR:\nERROR 2 en TVynApp.GetCopiaDelsRecursosDeDelphi\nClasse TStringList no es "
               "TComponent");
     Store(8, "object A: TStringList\nend\n");
     TMemoryStream stream(app->Components().GetStreamComponent(8)->Bytes());
     TComponent* component = nullptr;
-    EXPECT_EQ(ErrorOf([&] { app->DoCreateFromStream(stream, nullptr, 2, TComponentVyn{}, component); }),
+    EXPECT_EQ(MessageOf([&] { app->DoCreateFromStream(stream, nullptr, 2, TComponentVyn{}, component); }),
               "EFatalError: ERROR en DoCreateFromStream\nClasse TStringList no es herencia de TComponent");
     UnRegisterClass(&TStringList::StaticClass());
 }

@@ -40,24 +40,24 @@ TEST_F(ProcedureRegistry, BelongsToItsApplicationAndBeginsEmpty) {
 }
 
 TEST_F(ProcedureRegistry, NamesABlankAtItsPosition) {
-    EXPECT_EQ(ErrorOf([&] { registry.RegisterProcedure("my proc", Take); }),
+    EXPECT_EQ(MessageOf([&] { registry.RegisterProcedure("my proc", Take); }),
               "EProcedureVyn: TProcedureVyn ERROR\nmy proc is not a valid Procedure name.\nInvalid char:   Pos 3");
     EXPECT_TRUE(registry.RegisterProcedure("my_proc1", Take));
 }
 
 TEST_F(ProcedureRegistry, RefusesAnEmptyName) {
-    EXPECT_EQ(ErrorOf([&] { registry.CheckName(""); }), "EProcedureVyn: TProcedureVyn ERROR\nName can't be ''");
+    EXPECT_EQ(MessageOf([&] { registry.CheckName(""); }), "EProcedureVyn: TProcedureVyn ERROR\nName can't be ''");
 }
 
 TEST_F(ProcedureRegistry, RefusesAccentedLettersAndTakesDigitsInFront) {
-    EXPECT_EQ(ErrorOf([&] { registry.CheckName("caf\xE9"); }),
+    EXPECT_EQ(MessageOf([&] { registry.CheckName("caf\xE9"); }),
               "EProcedureVyn: TProcedureVyn ERROR\ncaf\xE9 is not a valid Procedure name.\nInvalid char: \xE9 Pos 4");
     registry.CheckName("1AZaz09_");
 }
 
 TEST_F(ProcedureRegistry, DuplicatesAreFoundWithoutRegardToCase) {
     registry.RegisterProcedure("PRINT", Take);
-    EXPECT_EQ(ErrorOf([&] { registry.RegisterProcedure("Print", Take); }),
+    EXPECT_EQ(MessageOf([&] { registry.RegisterProcedure("Print", Take); }),
               "EProcedureVyn: TProcedureVyn ERROR\nDuplicate Procedure names : Print");
     EXPECT_EQ(registry.ProceduresCount(), 1);
 }
@@ -87,21 +87,21 @@ TEST_F(ProcedureRegistry, LaterProceduresMoveDownWhenOneGoes) {
 
 TEST_F(ProcedureRegistry, EachOperationNamesItselfWhenThereIsNoSuchProcedure) {
     const AnsiString start = "EProcedureVyn: TProcedureVyn ERROR\nProcedure No not found in ";
-    EXPECT_EQ(ErrorOf([&] { registry.UnRegisterProcedure("No"); }), start + "\"UnRegisterProcedure\"");
-    EXPECT_EQ(ErrorOf([&] { registry.ExecuteProcedure("No", nullptr); }), start + "\"ExecuteProcedure\"");
-    EXPECT_EQ(ErrorOf([&] { registry.GetProcedureVynPointer("No"); }), start + "\"GetProcedureVynPointer\"");
-    EXPECT_EQ(ErrorOf([&] { registry.GetProcedureVynHelp("No"); }), start + "\"GetProcedureVynHelp\"");
+    EXPECT_EQ(MessageOf([&] { registry.UnRegisterProcedure("No"); }), start + "\"UnRegisterProcedure\"");
+    EXPECT_EQ(MessageOf([&] { registry.ExecuteProcedure("No", nullptr); }), start + "\"ExecuteProcedure\"");
+    EXPECT_EQ(MessageOf([&] { registry.GetProcedureVynPointer("No"); }), start + "\"GetProcedureVynPointer\"");
+    EXPECT_EQ(MessageOf([&] { registry.GetProcedureVynHelp("No"); }), start + "\"GetProcedureVynHelp\"");
 }
 
 TEST_F(ProcedureRegistry, IndexesAreChecked) {
     registry.RegisterProcedure("A", Take);
     const AnsiString expected = "EProcedureVyn: TProcedureVyn ERROR\nIndex out of Bounds";
     for (const int index : {-1, 1}) {
-        EXPECT_EQ(ErrorOf([&] { registry.GetProcedureVynName(index); }), expected);
-        EXPECT_EQ(ErrorOf([&] { registry.GetProcedures(index); }), expected);
-        EXPECT_EQ(ErrorOf([&] { registry.GetProcedureVynLibrary(index); }), expected);
-        EXPECT_EQ(ErrorOf([&] { registry.GetDLLName(index); }), expected);
-        EXPECT_EQ(ErrorOf([&] { registry.GetDlls(index); }), expected);
+        EXPECT_EQ(MessageOf([&] { registry.GetProcedureVynName(index); }), expected);
+        EXPECT_EQ(MessageOf([&] { registry.GetProcedures(index); }), expected);
+        EXPECT_EQ(MessageOf([&] { registry.GetProcedureVynLibrary(index); }), expected);
+        EXPECT_EQ(MessageOf([&] { registry.GetDLLName(index); }), expected);
+        EXPECT_EQ(MessageOf([&] { registry.GetDlls(index); }), expected);
     }
 }
 
@@ -201,17 +201,17 @@ TEST_F(ProcedureRegistry, CountingANamedLibraryComparesWithItsPlace) {
 }
 
 TEST_F(ProcedureRegistry, LibrariesThatAreNotThereAreNamed) {
-    EXPECT_EQ(ErrorOf([&] { registry.ProceduresCount("x.dll"); }),
+    EXPECT_EQ(MessageOf([&] { registry.ProceduresCount("x.dll"); }),
               "EProcedureVyn: TProcedureVyn ERROR\nDLL not found:\nx.dll");
-    EXPECT_EQ(ErrorOf([&] { Names(registry, "x.dll"); }),
+    EXPECT_EQ(MessageOf([&] { Names(registry, "x.dll"); }),
               "EProcedureVyn: TProcedureVyn ERROR\nLibrary x.dll not found");
-    EXPECT_EQ(ErrorOf([&] { registry.UnRegisterDLL("x.dll"); }),
+    EXPECT_EQ(MessageOf([&] { registry.UnRegisterDLL("x.dll"); }),
               "EProcedureVyn: TProcedureVyn ERROR\nLibrary x.dll not found");
 }
 
 TEST_F(ProcedureRegistry, ALibraryIsRegisteredOnce) {
     registry.RegisterDLL(kFolder, "util.dll");
-    EXPECT_EQ(ErrorOf([&] { registry.RegisterDLL(kFolder, "UTIL.dll"); }),
+    EXPECT_EQ(MessageOf([&] { registry.RegisterDLL(kFolder, "UTIL.dll"); }),
               "EProcedureVyn: TProcedureVyn ERROR\nLibrary UTIL.dll allready Registered");
 }
 

@@ -8,19 +8,12 @@
 #include "platform/streams/reader.h"
 #include "platform/streams/writer.h"
 #include "platform/text/numbers.h"
+#include "support/errors.h"
 
 using namespace vyn;
 
 namespace app_store_tests {
 
-AnsiString MessageOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Exception& error) {
-        return AnsiString(error.ClassName()) + ": " + error.Message();
-    }
-    return "no error";
-}
 std::string Hex(std::string_view bytes) {
     std::string result;
     for (unsigned char byte : bytes) result += IntToHex(byte, 2);

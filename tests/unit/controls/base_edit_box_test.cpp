@@ -143,7 +143,7 @@ TEST_F(BaseEditBox, WhoeverRefusesToBeLeftKeepsTheButtonFromBeingPressed) {
     other->OnExit = [](TObject*) { throw Exception("stays"); };
     int pressed = 0;
     box->OnButtonClick = [&](TObject*) { ++pressed; };
-    EXPECT_EQ(ErrorOf([&] { Button().Click(); }), "Exception: stays");
+    EXPECT_EQ(MessageOf([&] { Button().Click(); }), "Exception: stays");
     EXPECT_EQ(pressed, 0);
     other->OnExit.Clear();
 }

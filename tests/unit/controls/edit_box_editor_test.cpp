@@ -213,12 +213,12 @@ TEST_F(EditBoxEditor, TheWaitIsTakenWhenItsBoxIsLeftAndRefusedWhenTooLong) {
     EXPECT_EQ(box->AutoSearchWaitMiliSeconds(), 250u);
     for (const char* wrong : {"10001", "-1", "99999999999"}) {
         Write("cbAutoSearchMiliseconds", wrong);
-        EXPECT_EQ(ErrorOf([&] { Combo("cbAutoSearchMiliseconds").DoExit(); }),
+        EXPECT_EQ(MessageOf([&] { Combo("cbAutoSearchMiliseconds").DoExit(); }),
                   "Exception: WaitMiliseconds must be < 10000")
             << wrong;
     }
     Write("cbAutoSearchMiliseconds", "soon");
-    EXPECT_EQ(ErrorOf([&] { Combo("cbAutoSearchMiliseconds").DoExit(); }).substr(0, 13), "EConvertError");
+    EXPECT_EQ(MessageOf([&] { Combo("cbAutoSearchMiliseconds").DoExit(); }).substr(0, 13), "EConvertError");
     EXPECT_EQ(box->AutoSearchWaitMiliSeconds(), 250u);
 }
 
@@ -307,7 +307,7 @@ TEST_F(EditBoxEditor, AWaitThatIsBeingTypedIsTakenWhenTheDialogClosesAndGivenUpB
     EXPECT_FALSE(dialog->Visible());
     EXPECT_EQ(box->AutoSearchWaitMiliSeconds(), 250u);
     typeWait("20000");
-    EXPECT_EQ(ErrorOf([&] { dialog->Close(); }), "Exception: WaitMiliseconds must be < 10000");
+    EXPECT_EQ(MessageOf([&] { dialog->Close(); }), "Exception: WaitMiliseconds must be < 10000");
     EXPECT_TRUE(dialog->Visible());
     char key = 27;
     dialog->FormKeyPress(nullptr, key);

@@ -44,13 +44,13 @@ TEST_F(Leaving, WhatWasNotTouchedIsLeftAsItIs) {
 
 TEST_F(Leaving, ATextThatIsNotFoundKeepsTheKeyboardAndTheText) {
     Type(*box, "xyz");
-    EXPECT_EQ(ErrorOf([&] { other->SetFocus(); }),
+    EXPECT_EQ(MessageOf([&] { other->SetFocus(); }),
               "EDatabaseError: \"xyz\" was not found.\nPress F2 to choose from the list, or Escape to take it back");
     EXPECT_TRUE(box->Focused());
     EXPECT_EQ(box->Text(), "xyz");
     EXPECT_EQ(Selected(), 3);
     EXPECT_EQ(Stored().AsInteger(), 3);
-    EXPECT_EQ(ErrorOf([&] { other->SetFocus(); }).substr(0, 14), "EDatabaseError") << "as often as it is tried";
+    EXPECT_EQ(MessageOf([&] { other->SetFocus(); }).substr(0, 14), "EDatabaseError") << "as often as it is tried";
     Type(*box, "\x1b");
     Settle();
     EXPECT_EQ(box->Text(), "García"_w);
@@ -60,7 +60,7 @@ TEST_F(Leaving, ATextThatIsNotFoundKeepsTheKeyboardAndTheText) {
 
 TEST_F(Leaving, ATextThatIsNotFoundKeepsTheRecordFromBeingPosted) {
     Type(*box, "xyz");
-    EXPECT_EQ(ErrorOf([&] { orders->Post(); }).substr(0, 14), "EDatabaseError");
+    EXPECT_EQ(MessageOf([&] { orders->Post(); }).substr(0, 14), "EDatabaseError");
     EXPECT_EQ(orders->State(), dsEdit);
     EXPECT_EQ(box->Text(), "xyz");
     Type(*box, "\x1b");
@@ -194,7 +194,7 @@ TEST_F(PlainField, GoesThroughTheFieldsMask) {
     title->SelectAll();
     Backspace(*title);
     Type(*title, "5");
-    EXPECT_EQ(ErrorOf([&] { other->SetFocus(); }).substr(0, 12), "EDBEditError") << "not complete";
+    EXPECT_EQ(MessageOf([&] { other->SetFocus(); }).substr(0, 12), "EDBEditError") << "not complete";
     EXPECT_TRUE(title->Focused());
     EXPECT_EQ(title->SelLength(), 5);
     Type(*title, "5678");
@@ -341,7 +341,7 @@ TEST_F(SearchScreen, ABoxOverAClassFindsStoresAndOpensToo) {
     EXPECT_EQ(orders->FindField("Other")->AsInteger(), 4);
     coded->SetFocus();
     Type(*coded, "xyz");
-    EXPECT_EQ(ErrorOf([&] { other->SetFocus(); }).substr(0, 14), "EDatabaseError");
+    EXPECT_EQ(MessageOf([&] { other->SetFocus(); }).substr(0, 14), "EDatabaseError");
     Type(*coded, "\x1b");
     Settle();
     EXPECT_EQ(coded->Text(), "Gasol");

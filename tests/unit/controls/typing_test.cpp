@@ -231,7 +231,8 @@ TEST_F(Typing, TheWaitIsTheBoxesOwn) {
 }
 
 TEST_F(Typing, MoreThanTenSecondsOfWaitAreRefused) {
-    EXPECT_EQ(ErrorOf([&] { box->SetAutoSearchWaitMiliSeconds(10001); }), "Exception: WaitMiliseconds must be < 10000");
+    EXPECT_EQ(MessageOf([&] { box->SetAutoSearchWaitMiliSeconds(10001); }),
+              "Exception: WaitMiliseconds must be < 10000");
     EXPECT_EQ(box->AutoSearchWaitMiliSeconds(), 1000u);
 }
 

@@ -8,20 +8,11 @@
 #include "database/Uvyndb.h"
 #include "platform/streams/stream.h"
 #include "platform/text/exceptions.h"
+#include "support/errors.h"
 
 namespace database_fixtures {
 
 using namespace vyn;
-
-// The class and text of what the action raises, or "no error".
-inline AnsiString MessageOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Exception& error) {
-        return AnsiString(error.ClassName()) + ": " + error.Message();
-    }
-    return "no error";
-}
 
 // A dataset without rows that remembers its statement.
 class RecordingDataSet : public TDataSet {

@@ -173,7 +173,7 @@ TEST_F(LookupFaults, AFailureWhileATextIsLeftIsTheCallers) {
     Ready();
     orders->Edit();
     customers.Inside = [] { throw EDatabaseError("The server is gone"); };
-    EXPECT_EQ(ErrorOf([&] { link->SetDisplayText("Gasol"); }), "EDatabaseError: The server is gone");
+    EXPECT_EQ(MessageOf([&] { link->SetDisplayText("Gasol"); }), "EDatabaseError: The server is gone");
     EXPECT_EQ(orders->FieldByName("Customer")->AsInteger(), 3);
     EXPECT_EQ(Record().State, vyncs_available);
     link->SetDisplayText("Gasol");

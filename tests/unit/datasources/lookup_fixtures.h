@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "datasources/Uvyndatasources.h"
@@ -25,19 +26,12 @@
 #include "platform/text/numbers.h"
 #include "platform/text/windows1252.h"
 #include "providers/sqlite/connection.h"
+#include "support/applications.h"
+#include "support/errors.h"
 
 namespace lookup_fixtures {
 
 using namespace vyn;
-
-inline AnsiString ErrorOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Exception& error) {
-        return AnsiString(error.ClassName()) + ": " + error.Message();
-    }
-    return "no error";
-}
 
 struct Customer {
     int Code;
@@ -200,8 +194,7 @@ class LookupTest : public testing::Test {
         TextToBinary("object Screen: TSearchScreen\nend\n", compiled_);
         RegisterFormResource("TSearchScreen", compiled_.Bytes());
         VynDataSource_RegisterClassName("Customers", &TCustomerClass::Create);
-        hook_ = Application()->HookMainWindow(
-            [](TMessage& message) { return message.Msg >= VYN_APPCREATED && message.Msg <= VYN_DESIGNTIMEOFF; });
+        host_.emplace();
         Application()->OnException = [this](TObject*, const Exception& error) { errors += error.Message() + ";"; };
         app = std::make_unique<TVynApp>(nullptr);
         Store(2, "object First: TSearchScreen\nend\n");
@@ -229,7 +222,7 @@ class LookupTest : public testing::Test {
         if (app) app->CloseApp();
         app.reset();
         Application()->OnException.Clear();
-        Application()->UnhookMainWindow(hook_);
+        host_.reset();
         Application()->ProcessMessages();
         UnregisterFormResource("TSearchScreen");
         FormatSettings() = before_;
@@ -241,20 +234,9 @@ class LookupTest : public testing::Test {
         orders->SQL()->SetText(sql);
         orders->ExecSQL();
     }
-    void Store(int component, const std::string& text) {
-        TMemoryStream stream;
-        TextToBinary(text, stream);
-        app->Components().InsertComponent(TComponentVyn{component, 4, "C"}, stream);
-    }
+    void Store(int component, const std::string& text) { StoreForm(*app, {component, 4, "C"}, text); }
     void Node(int number, int parent, int child, int component) {
-        TNodeArbre node;
-        node.IDNode = number;
-        node.IDParent = parent;
-        node.Child = child;
-        node.IDComponent = component;
-        node.NodeType = 4;
-        node.Name = "N";
-        app->Tree().Add(node);
+        app->Tree().Add({number, parent, child, component, 4, "N"});
     }
     template <class T>
     T* Make(const AnsiString& name) {
@@ -317,7 +299,7 @@ class LookupTest : public testing::Test {
   private:
     TFormatSettings before_;
     TMemoryStream compiled_;
-    int hook_ = 0;
+    std::optional<SilentHost> host_;
 };
 
 }  // namespace lookup_fixtures

@@ -16,20 +16,11 @@
 #include "platform/text/format_settings.h"
 #include "providers/sqlite/connection.h"
 #include "query/Uquerysql.h"
+#include "support/errors.h"
 
 namespace event_fixtures {
 
 using namespace vyn;
-
-// The class and text of what the action raises, or "no error".
-inline AnsiString MessageOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Exception& error) {
-        return AnsiString(error.ClassName()) + ": " + error.Message();
-    }
-    return "no error";
-}
 
 // A form with an edit, a check box, rules, and a table of an embedded database.
 class EventTest : public testing::Test {

@@ -13,20 +13,12 @@
 #include "platform/streams/reader.h"
 #include "platform/streams/text_form.h"
 #include "platform/streams/writer.h"
+#include "support/errors.h"
 
 using namespace vyn;
 using namespace std::string_literals;
 
 namespace {
-
-AnsiString ErrorOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Exception& error) {
-        return AnsiString(error.ClassName()) + ": " + error.Message();
-    }
-    return "no error";
-}
 
 class SearchFields : public testing::Test {
   protected:
@@ -133,14 +125,14 @@ TEST_F(SearchFields, EntriesAreKeptInOrder) {
 TEST_F(SearchFields, AControlIsListedOnce) {
     TEdit* name = MakeEdit("EName");
     fields->Afegeix(Of(name));
-    EXPECT_EQ(ErrorOf([&] { fields->Afegeix(Of(name)); }),
+    EXPECT_EQ(MessageOf([&] { fields->Afegeix(Of(name)); }),
               "ECampsBuscar: ERROR CAMPS BUSCAR\nAquest component ja existeix!");
     EXPECT_EQ(fields->Count(), 1);
 }
 
 TEST_F(SearchFields, AControlThatAnEntryWaitsForIsListed) {
     fields->Afegeix(Named("ename"));
-    EXPECT_EQ(ErrorOf([&] { fields->Afegeix(Of(MakeEdit("EName"))); }),
+    EXPECT_EQ(MessageOf([&] { fields->Afegeix(Of(MakeEdit("EName"))); }),
               "ECampsBuscar: ERROR CAMPS BUSCAR\nAquest component ja existeix!");
     EXPECT_EQ(Names(), "EName") << "and the entry is bound to it now";
 }
@@ -156,7 +148,7 @@ TEST_F(SearchFields, AnEntryIsReplacedWhereItsControlIsNotListedElsewhere) {
     fields->SetCampsBuscarComponent(1, changed);
     EXPECT_EQ(fields->GetCampsBuscarComponent(1).Text1, "Codi");
     EXPECT_EQ(fields->GetCampsBuscarComponent(1).Items->size(), 2u);
-    EXPECT_EQ(ErrorOf([&] { fields->SetCampsBuscarComponent(0, changed); }),
+    EXPECT_EQ(MessageOf([&] { fields->SetCampsBuscarComponent(0, changed); }),
               "ECampsBuscar: ERROR CAMPS BUSCAR\n" + AnsiString("La posició a colocar: 0 incorrecta, actual: 1"_w));
     EXPECT_EQ(Names(), "EName ECode");
     fields->SetCampsBuscarComponent(0, Of(MakeEdit("EPrice")));
@@ -168,15 +160,15 @@ TEST_F(SearchFields, APositionThatIsNoneIsAnError) {
     const AnsiString prefix = "ECampsBuscar: ERROR CAMPS BUSCAR\n";
     const AnsiString over = prefix + "Índex 1 fora de rang"_w;
     const AnsiString under = prefix + "Índex -1 fora de rang"_w;
-    EXPECT_EQ(ErrorOf([&] { fields->Elimina(1); }), over);
-    EXPECT_EQ(ErrorOf([&] { fields->Elimina(-1); }), under);
-    EXPECT_EQ(ErrorOf([&] { fields->GetCampsBuscarComponent(1); }), over);
-    EXPECT_EQ(ErrorOf([&] { fields->GetCampsBuscarComponent(-1); }), under);
-    EXPECT_EQ(ErrorOf([&] { fields->SetCampsBuscarComponent(1, {}); }), over);
-    EXPECT_EQ(ErrorOf([&] { fields->SetCampsBuscarComponent(-1, {}); }), under);
-    EXPECT_EQ(ErrorOf([&] { fields->Exchange(1, 7); }), prefix + "Índex 1 1 fora de rang"_w);
-    EXPECT_EQ(ErrorOf([&] { fields->Exchange(0, 7); }), prefix + "Índex 2 7 fora de rang"_w);
-    EXPECT_EQ(ErrorOf([&] { fields->Exchange(-1, 0); }), prefix + "Índex 1 -1 fora de rang"_w);
+    EXPECT_EQ(MessageOf([&] { fields->Elimina(1); }), over);
+    EXPECT_EQ(MessageOf([&] { fields->Elimina(-1); }), under);
+    EXPECT_EQ(MessageOf([&] { fields->GetCampsBuscarComponent(1); }), over);
+    EXPECT_EQ(MessageOf([&] { fields->GetCampsBuscarComponent(-1); }), under);
+    EXPECT_EQ(MessageOf([&] { fields->SetCampsBuscarComponent(1, {}); }), over);
+    EXPECT_EQ(MessageOf([&] { fields->SetCampsBuscarComponent(-1, {}); }), under);
+    EXPECT_EQ(MessageOf([&] { fields->Exchange(1, 7); }), prefix + "Índex 1 1 fora de rang"_w);
+    EXPECT_EQ(MessageOf([&] { fields->Exchange(0, 7); }), prefix + "Índex 2 7 fora de rang"_w);
+    EXPECT_EQ(MessageOf([&] { fields->Exchange(-1, 0); }), prefix + "Índex 1 -1 fora de rang"_w);
     EXPECT_EQ(fields->Count(), 1);
 }
 
@@ -398,7 +390,7 @@ TEST_F(SearchFields, TheNameOfAControlThatIsNotThereIsNotStored) {
 
 TEST_F(SearchFields, AListMayNotNameAControlTwice) {
     MakeEdit("EName");
-    EXPECT_EQ(ErrorOf([&] { Read(List(List(FirstFormat("EName")) + List(FirstFormat("EName")))); }),
+    EXPECT_EQ(MessageOf([&] { Read(List(List(FirstFormat("EName")) + List(FirstFormat("EName")))); }),
               "ECampsBuscar: ERROR CAMPS BUSCAR\nAquest component ja existeix!");
     EXPECT_EQ(fields->Count(), 1) << "what came before is kept";
     MakeEdit("ECode");
@@ -459,7 +451,7 @@ TEST_F(SearchFields, ATruncatedListIsAReadError) {
     for (size_t size = 0; size < whole.size(); ++size) {
         TViewStream cut(std::string_view(whole).substr(0, size));
         TReader reader(cut);
-        EXPECT_EQ(ErrorOf([&] { fields->ReadData(reader); }).substr(0, 10), "EReadError") << size;
+        EXPECT_EQ(MessageOf([&] { fields->ReadData(reader); }).substr(0, 10), "EReadError") << size;
         EXPECT_EQ(fields->Count(), 0) << size << ": half an entry is none";
         // The last byte closes the list: by then the entry is whole.
         if (size + 2 == whole.size()) break;
@@ -467,7 +459,7 @@ TEST_F(SearchFields, ATruncatedListIsAReadError) {
 }
 
 TEST_F(SearchFields, AValueOfAnotherTypeIsAReadError) {
-    EXPECT_EQ(ErrorOf([&] { Read(List("\x06\x01"s + "a")); }).substr(0, 10), "EReadError");
-    EXPECT_EQ(ErrorOf([&] { Read(List(List("\x06\x01"s + "a"))); }).substr(0, 10), "EReadError");
-    EXPECT_EQ(ErrorOf([&] { Read(List(List(FirstFormat("EName") + "\x0D"))); }).substr(0, 10), "EReadError");
+    EXPECT_EQ(MessageOf([&] { Read(List("\x06\x01"s + "a")); }).substr(0, 10), "EReadError");
+    EXPECT_EQ(MessageOf([&] { Read(List(List("\x06\x01"s + "a"))); }).substr(0, 10), "EReadError");
+    EXPECT_EQ(MessageOf([&] { Read(List(List(FirstFormat("EName") + "\x0D"))); }).substr(0, 10), "EReadError");
 }

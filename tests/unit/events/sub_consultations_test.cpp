@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "events/Utvynsubcons.h"
 #include "package/package.h"
@@ -16,6 +17,8 @@
 #include "platform/streams/text_form.h"
 #include "platform/streams/writer.h"
 #include "platform/system/application.h"
+#include "support/applications.h"
+#include "support/errors.h"
 
 using namespace vyn;
 
@@ -37,15 +40,6 @@ const ClassInfo& TScreen::StaticClass() {
     return info;
 }
 
-AnsiString ErrorOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Exception& error) {
-        return AnsiString(error.ClassName()) + ": " + error.Message();
-    }
-    return "no error";
-}
-
 // An application with a customers' screen (node 1) that has child screens: orders (10), bills (20), and one without a
 // component (30).
 class SubConsultations : public testing::Test {
@@ -55,8 +49,7 @@ class SubConsultations : public testing::Test {
         RegisterClass(&TScreen::StaticClass());
         TextToBinary("object Screen: TScreen\nend\n", compiled_);
         RegisterFormResource("TScreen", compiled_.Bytes());
-        hook_ = Application()->HookMainWindow(
-            [](TMessage& message) { return message.Msg >= VYN_APPCREATED && message.Msg <= VYN_DESIGNTIMEOFF; });
+        host_.emplace();
         app = std::make_unique<TVynApp>(nullptr);
         Store(1, "object Customers: TScreen\n  object Children: TSubConsultes\n  end\nend\n");
         Store(2, "object Orders: TScreen\n  Caption = 'Orders'\nend\n");
@@ -73,24 +66,13 @@ class SubConsultations : public testing::Test {
         TScreen::OnOpened = nullptr;
         if (app) app->CloseApp();
         app.reset();
-        Application()->UnhookMainWindow(hook_);
+        host_.reset();
         UnregisterFormResource("TScreen");
         FinalizePackage();
     }
-    void Store(int component, const std::string& form) {
-        TMemoryStream stream;
-        TextToBinary(form, stream);
-        app->Components().InsertComponent(TComponentVyn{component, 4, "C"}, stream);
-    }
+    void Store(int component, const std::string& form) { StoreForm(*app, {component, 4, "C"}, form); }
     void Node(int number, int parent, int child, int component) {
-        TNodeArbre node;
-        node.IDNode = number;
-        node.IDParent = parent;
-        node.Child = child;
-        node.IDComponent = component;
-        node.NodeType = 4;
-        node.Name = "N";
-        app->Tree().Add(node);
+        app->Tree().Add({number, parent, child, component, 4, "N"});
     }
     TVynSubConsItem* Add(int childNode, const AnsiString& caption = {}) {
         TVynSubConsItem* item = children->Items().Add();
@@ -105,17 +87,17 @@ class SubConsultations : public testing::Test {
 
   private:
     TMemoryStream compiled_;
-    int hook_ = 0;
+    std::optional<SilentHost> host_;
 };
 
 TEST_F(SubConsultations, TheirOwnerIsAForm) {
     const AnsiString error = "Exception: VYN ERROR IN TSubConsultes\nOwner must be a TForm";
-    EXPECT_EQ(ErrorOf([] { TSubConsultes alone(nullptr); }), error);
+    EXPECT_EQ(MessageOf([] { TSubConsultes alone(nullptr); }), error);
     TComponent plain(nullptr);
-    EXPECT_EQ(ErrorOf([&] { TSubConsultes inside(&plain); }), error);
+    EXPECT_EQ(MessageOf([&] { TSubConsultes inside(&plain); }), error);
     EXPECT_EQ(plain.ComponentCount(), 0) << "what failed leaves nothing behind";
     TForm form(nullptr);
-    EXPECT_EQ(ErrorOf([&] { new TSubConsultes(&form); }), "no error");
+    EXPECT_EQ(MessageOf([&] { new TSubConsultes(&form); }), "no error");
 }
 
 TEST_F(SubConsultations, PropertiesArePublishedInOrder) {
@@ -199,10 +181,10 @@ TEST_F(SubConsultations, WithoutTheApplicationNothingOpens) {
     TVynSubConsItem* item = Add(10);
     const AnsiString error = "Exception: VYN ERROR IN TVynSubConsItem\nMasterVynApp of TVynSubCons=Nil";
     children->SetMasterVynApp(nullptr);
-    EXPECT_EQ(ErrorOf([&] { item->CaptureComponent(); }), error);
-    EXPECT_EQ(ErrorOf([&] { item->GetRealNode(); }), error);
+    EXPECT_EQ(MessageOf([&] { item->CaptureComponent(); }), error);
+    EXPECT_EQ(MessageOf([&] { item->GetRealNode(); }), error);
     TVynSubConsItem alone(nullptr);
-    EXPECT_EQ(ErrorOf([&] { alone.CaptureComponent(); }), error);
+    EXPECT_EQ(MessageOf([&] { alone.CaptureComponent(); }), error);
 }
 
 TEST_F(SubConsultations, WhatWasCapturedNeedsNoApplication) {
@@ -231,12 +213,12 @@ TEST_F(SubConsultations, AChildWithoutAComponentIsAnErrorAfterItWasTold) {
         EXPECT_EQ(component, nullptr);
         ++told;
     };
-    EXPECT_EQ(ErrorOf([&] { item->CaptureComponent(); }), "Exception: VYN ERROR IN TVynSubConsItem\nComponent = NIL");
+    EXPECT_EQ(MessageOf([&] { item->CaptureComponent(); }), "Exception: VYN ERROR IN TVynSubConsItem\nComponent = NIL");
     EXPECT_EQ(told, 1);
 }
 
 TEST_F(SubConsultations, AChildThatTheTreeDoesNotHaveIsTheTreesError) {
-    EXPECT_EQ(ErrorOf([&] { Add(99)->CaptureComponent(); }), "Exception: No se encuentra el Nodo con ID: \"-1\"");
+    EXPECT_EQ(MessageOf([&] { Add(99)->CaptureComponent(); }), "Exception: No se encuentra el Nodo con ID: \"-1\"");
 }
 
 TEST_F(SubConsultations, AFormThatNoNodeOpenedHasNoChildren) {
@@ -247,7 +229,7 @@ TEST_F(SubConsultations, AFormThatNoNodeOpenedHasNoChildren) {
     item->ChildNode = 10;
     EXPECT_EQ(of->GetMasterNode(), -1);
     EXPECT_EQ(item->GetRealNode(), -1);
-    EXPECT_EQ(ErrorOf([&] { item->CaptureComponent(); }), "Exception: No se encuentra el Nodo con ID: \"-1\"");
+    EXPECT_EQ(MessageOf([&] { item->CaptureComponent(); }), "Exception: No se encuentra el Nodo con ID: \"-1\"");
     of->MasterIDNode = 1;
     EXPECT_EQ(item->GetRealNode(), 2) << "unless its host says so";
 }
@@ -274,22 +256,22 @@ TEST_F(SubConsultations, WhileItsFormOpensAScreenKnowsItsNodeFromItsHost) {
 TEST_F(SubConsultations, AHandlerMayFreeTheChild) {
     TVynSubConsItem* item = Add(10);
     children->OnCreatedComponent = [](TVynSubConsItem*, TComponent* component) { delete component; };
-    EXPECT_EQ(ErrorOf([&] { item->CaptureComponent(); }), "Exception: VYN ERROR IN TVynSubConsItem\nComponent = NIL");
+    EXPECT_EQ(MessageOf([&] { item->CaptureComponent(); }), "Exception: VYN ERROR IN TVynSubConsItem\nComponent = NIL");
 }
 
 TEST_F(SubConsultations, AHandlerMayDeleteTheEntryOrTheForm) {
     TVynSubConsItem* item = Add(10);
     children->OnCreatedComponent = [this](TVynSubConsItem*, TComponent*) { children->Items().Clear(); };
-    EXPECT_EQ(ErrorOf([&] { item->CaptureComponent(); }), "EAbort: Operation aborted");
+    EXPECT_EQ(MessageOf([&] { item->CaptureComponent(); }), "EAbort: Operation aborted");
     item = Add(20);
     children->OnCreatedComponent = [this](TVynSubConsItem*, TComponent*) { delete customers; };
-    EXPECT_EQ(ErrorOf([&] { item->CaptureComponent(); }), "EAbort: Operation aborted");
+    EXPECT_EQ(MessageOf([&] { item->CaptureComponent(); }), "EAbort: Operation aborted");
 }
 
 TEST_F(SubConsultations, OpeningAChildMayDeleteTheEntry) {
     TVynSubConsItem* item = Add(10);
     TScreen::OnOpened = [this](TScreen*) { children->Items().Clear(); };
-    EXPECT_EQ(ErrorOf([&] { item->CaptureComponent(); }), "EAbort: Operation aborted");
+    EXPECT_EQ(MessageOf([&] { item->CaptureComponent(); }), "EAbort: Operation aborted");
 }
 
 TEST_F(SubConsultations, TwoChildrenOfOneClassOpenBesideEachOther) {
@@ -331,7 +313,7 @@ TEST_F(SubConsultations, AnEntryAlwaysHasAPicture) {
     TVynSubConsItem* item = Add(10);
     ASSERT_NE(item->Image(), nullptr);
     EXPECT_TRUE(item->Image()->Empty());
-    EXPECT_EQ(ErrorOf([&] { item->SetImage(nullptr); }),
+    EXPECT_EQ(MessageOf([&] { item->SetImage(nullptr); }),
               "Exception: VYN ERROR IN TVynSubConsItem\nPicture cannot be NIL");
     TPicture picture;
     picture.Bitmap()->SetSize(3, 2);
@@ -362,9 +344,9 @@ TEST_F(SubConsultations, AnEntryTakesAnothersSettings) {
     EXPECT_EQ(one->NewParamsValues()->CommaText(), "A=1");
     EXPECT_EQ(one->Image()->Width(), 3);
     EXPECT_EQ(one->Component(), orders);
-    EXPECT_EQ(ErrorOf([&] { children->Items().GetItems(2); }).substr(0, 10), "EListError");
+    EXPECT_EQ(MessageOf([&] { children->Items().GetItems(2); }).substr(0, 10), "EListError");
     TStringList noEntry;
-    EXPECT_EQ(ErrorOf([&] { one->Assign(&noEntry); }).substr(0, 13), "EConvertError");
+    EXPECT_EQ(MessageOf([&] { one->Assign(&noEntry); }).substr(0, 13), "EConvertError");
 }
 
 TEST_F(SubConsultations, TravelWithTheirForm) {

@@ -11,21 +11,13 @@
 #include "platform/streams/reader.h"
 #include "platform/streams/writer.h"
 #include "platform/text/numbers.h"
+#include "support/errors.h"
 
 // Parameter sets for the tests, and what they tell.
 namespace foundation_fixtures {
 
 using namespace vyn;
 
-// The class and text of what the action raises, or "no error".
-inline AnsiString MessageOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Exception& error) {
-        return AnsiString(error.ClassName()) + ": " + error.Message();
-    }
-    return "no error";
-}
 inline std::string Hex(std::string_view bytes) {
     std::string result;
     for (unsigned char byte : bytes) result += IntToHex(byte, 2);

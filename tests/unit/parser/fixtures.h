@@ -6,20 +6,11 @@
 
 #include "parser/Uparservyn.h"
 #include "platform/text/numbers.h"
+#include "support/errors.h"
 
 namespace parser_fixtures {
 
 using namespace vyn;
-
-// The class and text of what the action raises, or "no error".
-inline AnsiString MessageOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Exception& error) {
-        return AnsiString(error.ClassName()) + ": " + error.Message();
-    }
-    return "no error";
-}
 
 // A parser over a set of its own; the global set exists as long as a test runs.
 class ParserTest : public testing::Test {

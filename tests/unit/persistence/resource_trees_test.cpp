@@ -7,19 +7,11 @@
 #include "platform/streams/writer.h"
 #include "platform/text/exceptions.h"
 #include "platform/text/numbers.h"
+#include "support/errors.h"
 
 using namespace vyn;
 
 namespace resource_tree_tests {
-
-AnsiString MessageOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Exception& error) {
-        return AnsiString(error.ClassName()) + ": " + error.Message();
-    }
-    return "no error";
-}
 
 TPropietatObjecte Prop(AnsiString name, TValueType type, AnsiString value, TllistaPropietatsObjecte items = {}) {
     return {std::move(name), static_cast<uint8_t>(type), std::move(value), std::move(items)};

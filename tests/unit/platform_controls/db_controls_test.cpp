@@ -118,7 +118,7 @@ TEST_F(DataControls, WhatTheFieldRefusesKeepsTheKeyboard) {
     edit->SetFocus();
     edit->SelectAll();
     Type(edit, "32/32/2026");
-    EXPECT_NE(ErrorOf([&] { other->SetFocus(); }), "no error");
+    EXPECT_NE(MessageOf([&] { other->SetFocus(); }), "no error");
     EXPECT_TRUE(edit->Focused());
     EXPECT_EQ(edit->SelLength(), 10) << "ready to be typed over";
     EXPECT_EQ(edit->Text(), "32/32/2026") << "nothing typed is lost";
@@ -157,7 +157,7 @@ TEST_F(DataControls, MaskedFieldsAreTypedThroughTheirMask) {
     edit->SetFocus();
     edit->SetSelStart(1);
     Type(edit, "\b");
-    EXPECT_NE(ErrorOf([&] { other->SetFocus(); }).find("EDBEditError: \"_56-xy\" is not complete"), AnsiString::npos);
+    EXPECT_NE(MessageOf([&] { other->SetFocus(); }).find("EDBEditError: \"_56-xy\" is not complete"), AnsiString::npos);
     EXPECT_TRUE(edit->Focused());
     EXPECT_EQ(edit->SelLength(), 6);
 }

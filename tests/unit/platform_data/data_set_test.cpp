@@ -5,6 +5,7 @@
 
 #include "platform/text/exceptions.h"
 #include "platform/text/format_settings.h"
+#include "support/errors.h"
 
 using namespace vyn;
 
@@ -60,15 +61,6 @@ class Ear : public TDataLink {
         if (event != DataEvent::CheckBrowse && event != DataEvent::UpdateRecord) heard.push_back(event);
     }
 };
-
-AnsiString MessageOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Exception& error) {
-        return AnsiString(error.ClassName()) + ": " + error.Message();
-    }
-    return "no error";
-}
 
 }  // namespace
 

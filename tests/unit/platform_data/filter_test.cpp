@@ -116,7 +116,7 @@ TEST_F(Rows, ExpressionsCalculate) {
 }
 
 TEST_F(Rows, ExpressionsThatAreWrongSayWhere) {
-    const auto wrong = [&](const AnsiString& text) { return ErrorOf([&] { data.SetFilter(text); }); };
+    const auto wrong = [&](const AnsiString& text) { return MessageOf([&] { data.SetFilter(text); }); };
     EXPECT_EQ(wrong("Nope = 1"),
               "EDatabaseError: The expression \"Nope = 1\" is wrong at character 1: Field 'Nope' not found");
     EXPECT_EQ(wrong("Id = "), "EDatabaseError: The expression \"Id = \" is wrong at character 6: a value is missing");
@@ -145,14 +145,14 @@ TEST_F(Rows, ExpressionsThatAreWrongSayWhere) {
     EXPECT_NE(wrong(sum).find("it is too long"), AnsiString::npos);
     // The filter before stays.
     EXPECT_EQ(data.Filter(), "");
-    EXPECT_EQ(ErrorOf([&] { Value("'x' * 2"); }),
+    EXPECT_EQ(MessageOf([&] { Value("'x' * 2"); }),
               "EDatabaseError: Could not convert variant of type (String) into type (Double)");
 }
 
 TEST_F(Rows, AFilterIsCheckedWhenTheDatasetOpens) {
     data.Close();
     data.SetFilter("Nope = 1");
-    EXPECT_NE(ErrorOf([&] { data.Open(); }), "no error");
+    EXPECT_NE(MessageOf([&] { data.Open(); }), "no error");
     EXPECT_FALSE(data.Active());
     data.SetFilter("Id = 2");
     data.SetFiltered(true);
@@ -194,7 +194,7 @@ TEST_F(Rows, NewRecordsBeginWithTheirDefaults) {
     data.Cancel();
     EXPECT_EQ(data.RecordCount(), 5);
     data.FieldByName("Name")->DefaultExpression = "Id";
-    EXPECT_EQ(ErrorOf([&] { data.Append(); }),
+    EXPECT_EQ(MessageOf([&] { data.Append(); }),
               "EDatabaseError: The expression \"Id\" is wrong at character 1: Field 'Id' not found");
     EXPECT_EQ(data.State(), dsBrowse);
     EXPECT_EQ(data.RecordCount(), 5);
@@ -204,9 +204,9 @@ TEST_F(Rows, ConstraintsKeepRecordsFromBeingPosted) {
     data.FieldByName("Rate")->CustomConstraint = "x >= 0 AND x <= Id";
     data.Edit();
     data.FieldByName("Rate")->SetAsFloat(2);
-    EXPECT_EQ(ErrorOf([&] { data.Post(); }), "EDatabaseError: Field 'Rate' must satisfy: x >= 0 AND x <= Id");
+    EXPECT_EQ(MessageOf([&] { data.Post(); }), "EDatabaseError: Field 'Rate' must satisfy: x >= 0 AND x <= Id");
     data.FieldByName("Rate")->ConstraintErrorMessage = "The rate is too high.";
-    EXPECT_EQ(ErrorOf([&] { data.Post(); }), "EDatabaseError: The rate is too high.");
+    EXPECT_EQ(MessageOf([&] { data.Post(); }), "EDatabaseError: The rate is too high.");
     EXPECT_EQ(data.State(), dsEdit);
     data.FieldByName("Rate")->Clear();
     data.Post();
@@ -225,9 +225,9 @@ TEST_F(Rows, WholeRecordsAreAppendedAndInserted) {
     data.InsertRecord({Variant(7), Variant("set")});
     EXPECT_EQ(data.RecNo(), 1);
     EXPECT_EQ(data.FieldByName("Id")->AsInteger(), 7);
-    EXPECT_EQ(ErrorOf([&] { data.AppendRecord(std::vector<Variant>(9)); }), "EDatabaseError: Too many field values");
+    EXPECT_EQ(MessageOf([&] { data.AppendRecord(std::vector<Variant>(9)); }), "EDatabaseError: Too many field values");
     data.Cancel();
-    EXPECT_EQ(ErrorOf([&] { data.SetFields({}); }), "EDatabaseError: Dataset not in edit or insert mode");
+    EXPECT_EQ(MessageOf([&] { data.SetFields({}); }), "EDatabaseError: Dataset not in edit or insert mode");
 }
 
 TEST_F(Rows, TextsAreShownThroughTheirMask) {
@@ -333,6 +333,6 @@ TEST(BlobFields, AreStreamedInAndOut) {
     notes->SaveToFile(file);
     picture->LoadFromFile(file);
     EXPECT_EQ(picture->RawBytes(), "af\xE9");
-    EXPECT_NE(ErrorOf([&] { picture->LoadFromFile(file + ".nowhere"); }), "no error");
+    EXPECT_NE(MessageOf([&] { picture->LoadFromFile(file + ".nowhere"); }), "no error");
     EXPECT_EQ(picture->RawBytes(), "af\xE9");
 }

@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "platform/data/data_set.h"
+#include "support/errors.h"
 
 namespace vyn {
 
@@ -60,14 +61,5 @@ class MemoryDataSet : public TDataSet {
   private:
     size_t next_ = 0;
 };
-
-inline AnsiString ErrorOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Exception& error) {
-        return AnsiString(error.ClassName()) + ": " + error.Message();
-    }
-    return "no error";
-}
 
 }  // namespace vyn

@@ -127,11 +127,11 @@ TEST_F(Search, NullFindsNullAlone) {
 }
 
 TEST_F(Search, KeysAndValuesMustBeAsMany) {
-    EXPECT_EQ(ErrorOf([&] { data.Locate("Id;Name", Variant(1)); }),
+    EXPECT_EQ(MessageOf([&] { data.Locate("Id;Name", Variant(1)); }),
               "EDatabaseError: There are 2 key fields (Id;Name) and 1 values");
-    EXPECT_EQ(ErrorOf([&] { data.Locate("Nope", Variant(1)); }), "EDatabaseError: Field 'Nope' not found");
+    EXPECT_EQ(MessageOf([&] { data.Locate("Nope", Variant(1)); }), "EDatabaseError: Field 'Nope' not found");
     data.Close();
-    EXPECT_EQ(ErrorOf([&] { data.Locate("Id", Variant(1)); }),
+    EXPECT_EQ(MessageOf([&] { data.Locate("Id", Variant(1)); }),
               "EDatabaseError: Cannot perform this operation on a closed dataset");
 }
 
@@ -180,7 +180,7 @@ TEST_F(Search, BookmarksSurviveInsertionsAndDeletions) {
     EXPECT_EQ(data.FieldByName("Id")->AsInteger(), 1);
     data.Delete();
     EXPECT_FALSE(data.BookmarkValid(first));
-    EXPECT_EQ(ErrorOf([&] { data.GotoBookmark(first); }), "EDatabaseError: Record not found");
+    EXPECT_EQ(MessageOf([&] { data.GotoBookmark(first); }), "EDatabaseError: Record not found");
     data.Close();
     data.Open();
     EXPECT_FALSE(data.BookmarkValid(last));
@@ -210,7 +210,7 @@ TEST_F(Search, SortingOrdersByFieldsAndKeepsTheCurrentRecord) {
     data.SetSort("Name, Id DESC");
     EXPECT_EQ(data.FieldByName("Id")->AsInteger(), 5);
     EXPECT_THAT(Ids(), testing::ElementsAre(4, 2, 5, 1, 3));
-    EXPECT_EQ(ErrorOf([&] { data.SetSort("Nope"); }), "EDatabaseError: Field 'Nope' not found");
+    EXPECT_EQ(MessageOf([&] { data.SetSort("Nope"); }), "EDatabaseError: Field 'Nope' not found");
     data.SetSort("");
     EXPECT_THAT(Ids(), testing::ElementsAre(1, 2, 3, 4, 5));
 }
@@ -243,14 +243,14 @@ TEST_F(Search, CalculatedAndLookupFieldsFollowTheirRecord) {
     with.MoveBy(2);
     EXPECT_EQ(word->AsString(), "three");
     with.Edit();
-    EXPECT_EQ(ErrorOf([&] { twice->SetAsFloat(1); }), "EDatabaseError: Field 'Twice' cannot be modified");
+    EXPECT_EQ(MessageOf([&] { twice->SetAsFloat(1); }), "EDatabaseError: Field 'Twice' cannot be modified");
     with.FieldByName("Id")->SetAsInteger(1);
     EXPECT_EQ(word->AsString(), "one");
     EXPECT_EQ(twice->AsFloat(), 2.0);
 }
 
 TEST_F(Search, ControlsAreTellableAfterAnError) {
-    const AnsiString message = ErrorOf([&] {
+    const AnsiString message = MessageOf([&] {
         const DisabledControls quiet(data);
         data.FieldByName("Nope");
     });

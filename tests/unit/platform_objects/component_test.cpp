@@ -5,6 +5,7 @@
 
 #include "platform/objects/component_handle.h"
 #include "platform/text/exceptions.h"
+#include "support/errors.h"
 
 using namespace vyn;
 
@@ -25,15 +26,6 @@ class Watcher : public TComponent {
 const ClassInfo& Watcher::StaticClass() {
     static const ClassInfo info = DefineClass<Watcher, TComponent>("Watcher");
     return info;
-}
-
-AnsiString MessageOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Exception& error) {
-        return AnsiString(error.ClassName()) + ": " + error.Message();
-    }
-    return "no error";
 }
 
 }  // namespace

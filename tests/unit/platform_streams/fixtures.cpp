@@ -105,15 +105,6 @@ std::vector<AnsiString>& TThing::LoadedNames() {
     return names;
 }
 
-AnsiString MessageOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Exception& error) {
-        return AnsiString(error.ClassName()) + ": " + error.Message();
-    }
-    return "no error";
-}
-
 std::string Hex(std::string_view bytes) {
     static const char digits[] = "0123456789ABCDEF";
     std::string text;

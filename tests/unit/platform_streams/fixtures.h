@@ -11,6 +11,7 @@
 #include "platform/streams/text_form.h"
 #include "platform/streams/writer.h"
 #include "platform/text/exceptions.h"
+#include "support/errors.h"
 
 // A small family of components for the tests of reading and writing.
 namespace stream_fixtures {
@@ -89,8 +90,6 @@ class TThing : public TComponent {
     std::unique_ptr<TOwnedCollection<TEntry>> entries_;
 };
 
-// The class and text of what the action raises, or "no error".
-AnsiString MessageOf(const std::function<void()>& action);
 std::string Hex(std::string_view bytes);
 std::string Unhex(std::string_view hex);
 std::string Written(TComponent& component);

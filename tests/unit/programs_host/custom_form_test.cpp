@@ -6,6 +6,7 @@
 #include "package/package.h"
 #include "platform/streams/text_form.h"
 #include "programs/host/custom_form.h"
+#include "support/applications.h"
 
 using namespace vyn;
 
@@ -24,16 +25,8 @@ class HostForm : public testing::Test {
         FinalizePackage();
     }
     void Store(int number, int parent, const std::string& form) {
-        TMemoryStream stream;
-        TextToBinary(form, stream);
-        app->Components().InsertComponent(TComponentVyn{number, 2, "C"}, stream);
-        TNodeArbre node;
-        node.IDNode = number;
-        node.IDParent = parent;
-        node.Child = number;
-        node.IDComponent = number;
-        node.NodeType = 2;
-        app->Tree().Add(node);
+        StoreForm(*app, {number, 2, "C"}, form);
+        app->Tree().Add({number, parent, number, number, 2, ""});
     }
 
     std::unique_ptr<TVynApp> app;

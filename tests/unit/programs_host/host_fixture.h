@@ -22,6 +22,7 @@
 #include "programs/host/entry_form.h"
 #include "programs/host/search_form.h"
 #include "providers/sqlite/connection.h"
+#include "support/applications.h"
 
 namespace vyn {
 
@@ -78,17 +79,10 @@ class HostLookups : public testing::Test {
         FinalizePackage();
     }
     void Store(int number, int parent, int type, const std::string& form) {
-        TMemoryStream stream;
-        TextToBinary(form, stream);
-        app->Components().InsertComponent(TComponentVyn{number, type, "C"}, stream);
-        TNodeArbre node;
-        node.IDNode = number;
-        node.IDParent = app->Tree().FindIDNode(parent) ? parent : 0;
-        node.Child = number;
-        node.IDComponent = number;
-        node.NodeType = type;
-        node.Name = number == 2 ? "Clients" : number == 3 ? "Fitxa de client" : "Consulta";
-        app->Tree().Add(node);
+        StoreForm(*app, {number, type, "C"}, form);
+        const char* name = number == 2 ? "Clients" : number == 3 ? "Fitxa de client" : "Consulta";
+        const int above = app->Tree().FindIDNode(parent) ? parent : 0;
+        app->Tree().Add({number, above, number, number, type, name});
     }
     template <class T = TFRMSQLGeneric>
     T& Open(int node) {

@@ -8,6 +8,7 @@
 #include "platform/text/exceptions.h"
 #include "platform/text/format_settings.h"
 #include "query/Uquerysql.h"
+#include "support/errors.h"
 
 namespace query_fixtures {
 
@@ -15,16 +16,6 @@ using namespace vyn;
 
 // The mark around parameter functions.
 inline const AnsiString M(1, CT_ParametreMark);
-
-// The class and text of what the action raises, or "no error".
-inline AnsiString MessageOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Exception& error) {
-        return AnsiString(error.ClassName()) + ": " + error.Message();
-    }
-    return "no error";
-}
 
 // A query named Q with the global parameters and a database, none of which touches an engine.
 class QueryTest : public testing::Test {
