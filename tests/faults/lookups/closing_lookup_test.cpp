@@ -156,7 +156,7 @@ class WholeLookup : public ServerLookup {
 TEST_P(WholeLookup, AListThatWasNotReadToItsEndIsReadAgain) {
     Begin();
     int failures = 0;
-    for (const Cut& cut : kCuts)
+    for (const Cut& cut : kKindsOfCuts)
         AtEachRequest(
             cut,
             [&] {
@@ -177,7 +177,7 @@ TEST_P(WholeLookup, AListThatWasNotReadToItsEndIsReadAgain) {
                 EXPECT_EQ(Completed(), "vidres garc|ía");
                 EXPECT_TRUE(asked_.empty()) << testing::PrintToString(asked_);
             });
-    EXPECT_GT(failures, 5);
+    EXPECT_GT(failures, 3);
 }
 
 INSTANTIATE_TEST_SUITE_P(Engines, WholeLookup, testing::Values("PostgreSQL"));

@@ -18,6 +18,9 @@ inline constexpr Cut kCuts[] = {
     {"cut in the answer", Fault::CutInAnswer, 3},          {"half an answer", Fault::CutInAnswer, 60},
     {"garbage for an answer", Fault::Garbage, 0},          {"garbage in the answer", Fault::GarbageInAnswer, 9}};
 
+// One of each kind, for what takes long.
+inline constexpr Cut kKindsOfCuts[] = {kCuts[0], kCuts[1], kCuts[3], kCuts[4]};
+
 // The sample over a server behind a relay that fails when it is told to.
 class ServerLookup : public LookupFault {
   protected:
