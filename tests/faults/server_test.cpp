@@ -184,6 +184,36 @@ TEST_P(Server, AnInsertedRecordThatIsCutAnywhereIsKeptInTheBuffer) {
             });
 }
 
+TEST_P(Server, WhatWasThereStaysWhenItCannotBeRefreshed) {
+    std::unique_ptr<User> user;
+    for (const Cut& cut : kCuts)
+        AtEachRequest(
+            cut,
+            [&] {
+                user.reset();
+                Make();
+                user = std::make_unique<User>(Through() + ";Command Timeout=1");
+                user->table.Last();
+                direct.Execute("UPDATE clients SET nota = 'newer' WHERE id = 3");
+            },
+            [&] { return MessageOf([&] { user->table.Refresh(); }); },
+            [&](const AnsiString& message) {
+                ASSERT_TRUE(user->table.Active());
+                EXPECT_EQ(user->table.FieldByName("id")->AsInteger(), 3);
+                if (message != "no error") {
+                    ExpectSentence(message);
+                    EXPECT_EQ(user->table.FieldByName("nota")->AsString(), "nota 3");
+                    // It can be moved in, and written to, at once.
+                    user->table.Prior();
+                    EXPECT_EQ(user->table.FieldByName("id")->AsInteger(), 2);
+                    user->table.Refresh();
+                    user->table.Next();
+                }
+                EXPECT_EQ(user->table.FieldByName("nota")->AsString(), "newer");
+                ExpectNothingLeft();
+            });
+}
+
 TEST_P(Server, ATransactionThatIsCutAnywhereIsWholeOrNotThere) {
     std::unique_ptr<User> user;
     for (const Cut& cut : kCuts)

@@ -83,6 +83,12 @@ class TCustomADODataSet : public TDataSet {
     void FinishReading();
 
     std::vector<FieldDefinition> InternalOpen() override;
+    std::vector<FieldDefinition> InternalReopen() override {
+        // Some engines show a former state as long as a result is half read.
+        statement_.reset();
+        return InternalOpen();
+    }
+    bool IsOpenStill() const override { return writer_ != nullptr; }
     bool InternalFetch(RowStore& rows, int64_t count) override;
     std::unique_ptr<RowPages> InternalPages(const std::vector<SortPart>& order) override;
     void InternalClose() override;

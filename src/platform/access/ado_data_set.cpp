@@ -213,18 +213,21 @@ void TCustomADODataSet::FinishReading() {
     if (reading && !ownConnection_->Provider().WritesBesideReading()) RecordCount();
 }
 
+// Nothing has changed when it raises.
 std::vector<FieldDefinition> TCustomADODataSet::InternalOpen() {
-    writer_.reset();
     ProviderConnection& provider = RequireConnection();
     const AnsiString text = CommandText();
     const EngineSql sql = TranslateSql(text, provider.Dialect(), Parsing());
-    statement_ = provider.Prepare(sql.Text);
+    auto statement = provider.Prepare(sql.Text);
+    std::vector<ProviderValue> values = ParameterValues(sql, statement->ParameterCount());
+    statement->Bind(values);
+    std::vector<FieldDefinition> columns = statement->Columns();
+    if (columns.empty()) DatabaseError("The statement gives no records");
+    writer_ = std::make_unique<TableWriter>(provider, columns, ShapeOf(text));
+    statement_ = std::move(statement);
     engineSql_ = sql.Text;
-    engineValues_ = ParameterValues(sql, statement_->ParameterCount());
-    statement_->Bind(engineValues_);
-    columns_ = statement_->Columns();
-    if (columns_.empty()) DatabaseError("The statement gives no records");
-    writer_ = std::make_unique<TableWriter>(provider, columns_, ShapeOf(text));
+    engineValues_ = std::move(values);
+    columns_ = std::move(columns);
     return columns_;
 }
 

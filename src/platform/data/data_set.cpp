@@ -151,13 +151,58 @@ void TDataSet::DoClose() {
     AfterClose(this);
 }
 
-void TDataSet::Requery() {
+struct TDataSet::Former {
+    explicit Former(TDataSet& of)
+        : rows(std::move(of.rows_)),
+          keys(std::move(of.keys_)),
+          view(std::move(of.view_)),
+          viewed(of.viewed_),
+          allFetched(of.allFetched_),
+          bof(of.bof_),
+          eof(of.eof_),
+          opening(of.opening_),
+          current(of.current_) {}
+    std::unique_ptr<RowStore> rows;
+    std::unique_ptr<RowKeys> keys;
+    std::vector<int64_t> view;
+    bool viewed, allFetched, bof, eof;
+    int opening;
+    int64_t current;
+};
+
+void TDataSet::PutBack(Former& former, const AnsiString& error) {
+    window_.reset();
+    rows_ = std::move(former.rows);
+    keys_ = std::move(former.keys);
+    view_ = std::move(former.view);
+    viewed_ = former.viewed;
+    allFetched_ = former.allFetched;
+    bof_ = former.bof;
+    eof_ = former.eof;
+    opening_ = former.opening;
+    current_ = former.current;
+    calculatedRow_ = -1;
+    // The rest of them is not to be had any more.
+    if (!allFetched_) readingError_ = error + data_set_detail::kIncomplete;
+}
+
+void TDataSet::Requery() { Requery(WhenItFails::Close); }
+
+void TDataSet::Requery(WhenItFails then) {
     CheckActive();
     StopEditing();
-    InternalClose();
+    std::unique_ptr<Former> former;
+    const auto keep = [&](const AnsiString& error) {
+        if (former && IsOpenStill())
+            PutBack(*former, error);
+        else if (Active())
+            DoClose();
+    };
     try {
-        std::vector<FieldDefinition> definitions = InternalOpen();
+        if (then == WhenItFails::Keep && !window_) former = std::make_unique<Former>(*this);
+        std::vector<FieldDefinition> definitions = InternalReopen();
         const bool same = definitions == definitions_;
+        if (!same) former.reset();
         definitions_ = std::move(definitions);
         StartRows();
         if (!same) {
@@ -174,8 +219,11 @@ void TDataSet::Requery() {
         bof_ = true;
         eof_ = current_ < 0;
         if (!same) Announce(DataEvent::LayoutChanged);
+    } catch (const std::exception& error) {
+        keep(error.what());
+        throw;
     } catch (...) {
-        if (Active()) DoClose();
+        keep(AnsiString());
         throw;
     }
     Announce(DataEvent::RecordsChanged);
@@ -207,9 +255,11 @@ void TDataSet::ReopenAtCurrent(Bookmarks bookmarks) {
     }
     const int64_t record = current_;
     const DisabledControls quiet(*this);
-    std::unique_ptr<RowKeys> kept = std::move(keys_);
+    std::unique_ptr<RowKeys> kept;
     const int opening = opening_;
-    Requery();
+    if (bookmarks == Bookmarks::Keep) kept = std::move(keys_);
+    // Who only looks again goes on with what was there.
+    Requery(bookmarks == Bookmarks::Keep ? WhenItFails::Close : WhenItFails::Keep);
     if (bookmarks == Bookmarks::Keep && kept) {
         // A window has hold of them.
         if (!keys_) keys_ = std::make_unique<RowKeys>(std::vector<size_t>());

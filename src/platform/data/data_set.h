@@ -207,6 +207,13 @@ class TDataSet : public TComponent {
     // Puts up to `count` further rows into the store; false when there are no more.
     virtual bool InternalFetch(RowStore& rows, int64_t count) = 0;
     virtual void InternalClose() = 0;
+    // Starts an open result again. One that raises either has left the former as it was, and says so by IsOpenStill, or
+    // nothing is open.
+    virtual std::vector<FieldDefinition> InternalReopen() {
+        InternalClose();
+        return InternalOpen();
+    }
+    virtual bool IsOpenStill() const { return false; }
     // One part of an order.
     struct SortPart {
         const TField* Field;
@@ -229,7 +236,7 @@ class TDataSet : public TComponent {
     // For setters of what a result depends on: raises when it is open.
     void CheckInactive() const;
     void CheckActive() const;
-    // Runs the result again without closing; fields stay when the columns are the same.
+    // Runs the result again without closing; fields stay when the columns are the same. Closed when it cannot be run.
     void Requery();
 
   private:
@@ -254,6 +261,12 @@ class TDataSet : public TComponent {
     std::vector<SortPart> SortParts() const;
     enum class Bookmarks { Forget, Keep };
     void ReopenAtCurrent(Bookmarks bookmarks);
+    // What becomes of the records that are there when the result cannot be run again.
+    enum class WhenItFails { Close, Keep };
+    void Requery(WhenItFails then);
+    // What is kept then.
+    struct Former;
+    void PutBack(Former& former, const AnsiString& error);
     void GoTo(TBookmark bookmark);
     // Where a search ended: a row, and the record that it is where all are kept.
     struct FoundRow {
