@@ -324,10 +324,11 @@ void TVynComponentList::CreateComponent(TVynComponent* record) {
             create(app, record->Key.ChildClassName, source_->NewComponentsOwner(), component, handle);
         }
     } catch (...) {
-        // Told once: the record stays as it is until somebody has it tried again.
+        // Told once: the record stays as it is until somebody has it tried again, and then it is known.
         component = nullptr;
         failure = CurrentMessage();
-        Application()->HandleException(nullptr);
+        const bool known = IsLive(this) && IsRecord(record) && std::exchange(record->FailureTold, true);
+        if (!known) Application()->HandleException(nullptr);
     }
     // Whatever was opened may have closed what this list stands on.
     if (!IsLive(this) || !IsRecord(record)) return;
@@ -338,6 +339,7 @@ void TVynComponentList::CreateComponent(TVynComponent* record) {
         record->Component = component;
         record->Handle = handle;
         record->State = vyncs_available;
+        record->FailureTold = false;
         if (component != source_->Owner()) component->FreeNotification(source_);
     }
     VynComponentListRecordChanged(IndexOfRecord(record));

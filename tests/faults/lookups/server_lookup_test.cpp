@@ -338,6 +338,45 @@ TEST_P(ServerLookup, ANewRecordThatCannotBeBegunLeavesTheSearchScreenAsItWas) {
     EXPECT_TRUE(asked_.empty()) << testing::PrintToString(asked_);
 }
 
+TEST_P(ServerLookup, AValueOfAClassIsKeptAndSearchedAgainLikewise) {
+    Open("Entrada de comandes");
+    clock_ = std::make_unique<ManualTickClock>(1000);
+    Press("NovaLinia");
+    Pause();
+    EXPECT_EQ(Looked("Article"), "");
+    auto& article = Part<TVynEditBox>("Article");
+    article.SetFocus();
+    const auto typeArticle = [&](const AnsiString& text) {
+        Do([&] { TypeInto(article, text); });
+        Turn();
+        clock_->Advance(kPause);
+        Turn();
+        while (article.Link().VynComponentState() == vyncs_Searching) Application()->HandleMessage();
+        Turn();
+    };
+    for (const Cut& cut : kKindsOfCuts)
+        AtEachRequest(
+            cut, [&] { typeArticle("zz"); }, [&] { typeArticle("a100"); },
+            [&](bool failed) {
+                EXPECT_EQ(article.EditText().substr(0, 4), "a100");
+                if (asked_.empty()) {
+                    EXPECT_EQ(article.EditText(), "a100-00");
+                    return;
+                }
+                ASSERT_EQ(asked_.size(), 1u);
+                EXPECT_NE(asked_.front().find("«ARTICLES»: "), std::string::npos) << asked_.front();
+                ExpectToldOnce();
+                EXPECT_EQ(article.EditText(), "a100");
+                EXPECT_EQ(Part<TDataSet>("ConsultaDetall").State(), dsInsert);
+                typeArticle("a100");
+                EXPECT_EQ(article.EditText(), "a100-00");
+                EXPECT_TRUE(asked_.empty()) << testing::PrintToString(asked_);
+            });
+    Do([&] { PressKey(article, Key::Tab); });
+    EXPECT_NE(Part<TDataSet>("ConsultaDetall").FieldByName("preu")->AsString(), "") << "its price came with it";
+    ExpectNoSearchLeft();
+}
+
 TEST_P(ServerLookup, WhatIsToldStandsInTheDocument) {
     std::ifstream stream(VYN_SOURCE_DIR "/docs/lookups.md", std::ios::binary);
     const std::string document((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());

@@ -200,6 +200,38 @@ TEST_F(AdoDataSet, FurtherIndexFieldsOrderTheDetail) {
     EXPECT_EQ(Column(detail, "import"), "5,6");
 }
 
+TEST_F(AdoDataSet, DetailsThatAFailureClosedOpenAgainWithTheNextMove) {
+    TADOTable& master = Table("clients");
+    TADOTable& table = Table("comandes");
+    TADOQuery& query = Query("SELECT import FROM comandes WHERE client = :id ORDER BY import");
+    TDataSource source(nullptr);
+    source.SetDataSet(&master);
+    master.Open();
+    table.SetMasterSource(&source);
+    table.SetMasterFields("id");
+    table.SetIndexFieldNames("client;import");
+    query.SetDataSource(&source);
+    table.Open();
+    query.Open();
+    connection.Execute("ALTER TABLE comandes RENAME TO elsewhere");
+    EXPECT_NE(MessageOf([&] { master.Next(); }).find("no such table"), AnsiString::npos);
+    EXPECT_EQ(master.FieldByName("id")->AsInteger(), 2) << "the master has moved";
+    EXPECT_FALSE(table.Active()) << "rather than show another's rows";
+    EXPECT_FALSE(query.Active());
+    // It was told.
+    master.Next();
+    EXPECT_FALSE(table.Active());
+    connection.Execute("ALTER TABLE elsewhere RENAME TO comandes");
+    master.First();
+    EXPECT_EQ(Column(table, "import"), "5,6");
+    EXPECT_EQ(Column(query, "import"), "5,6");
+    // Who closes it himself has it closed.
+    table.Close();
+    master.Next();
+    EXPECT_FALSE(table.Active());
+    EXPECT_TRUE(query.Active());
+}
+
 TEST_F(AdoDataSet, AnUnknownMasterFieldIsNamed) {
     TADOTable& master = Table("clients");
     TADOTable& detail = Table("comandes");
