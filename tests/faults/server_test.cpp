@@ -63,6 +63,12 @@ class Server : public testing::TestWithParam<Way> {
         direct.Execute("INSERT INTO clients SELECT i, 'nom ' || i, 'nota ' || i FROM generate_series(1, " +
                        std::to_string(records) + ") AS i");
     }
+    // Another user, of the table as it was made.
+    void Renew(std::unique_ptr<User>& user) {
+        user.reset();
+        Make();
+        user = std::make_unique<User>(Through() + ";Command Timeout=1");
+    }
     AnsiString Stored(const AnsiString& sql) {
         TADOQuery query(nullptr);
         query.SetConnection(&direct);
@@ -125,9 +131,7 @@ TEST_P(Server, APostThatIsCutAnywhereIsKeptInTheBufferAndCanBeRepeated) {
         const int requests = AtEachRequest(
             cut,
             [&] {
-                user.reset();
-                Make();
-                user = std::make_unique<User>(Through() + ";Command Timeout=1");
+                Renew(user);
                 user->Type("typed");
             },
             [&] { return user->Post(); },
@@ -158,9 +162,7 @@ TEST_P(Server, AnInsertedRecordThatIsCutAnywhereIsKeptInTheBuffer) {
         AtEachRequest(
             cut,
             [&] {
-                user.reset();
-                Make();
-                user = std::make_unique<User>(Through() + ";Command Timeout=1");
+                Renew(user);
                 user->TypeNew(4, "typed");
             },
             [&] { return user->Post(); },
@@ -190,9 +192,7 @@ TEST_P(Server, WhatWasThereStaysWhenItCannotBeRefreshed) {
         AtEachRequest(
             cut,
             [&] {
-                user.reset();
-                Make();
-                user = std::make_unique<User>(Through() + ";Command Timeout=1");
+                Renew(user);
                 user->table.Last();
                 direct.Execute("UPDATE clients SET nota = 'newer' WHERE id = 3");
             },
@@ -218,12 +218,7 @@ TEST_P(Server, ATransactionThatIsCutAnywhereIsWholeOrNotThere) {
     std::unique_ptr<User> user;
     for (const Cut& cut : kCuts)
         AtEachRequest(
-            cut,
-            [&] {
-                user.reset();
-                Make();
-                user = std::make_unique<User>(Through() + ";Command Timeout=1");
-            },
+            cut, [&] { Renew(user); },
             [&] {
                 return MessageOf([&] {
                     user->connection.BeginTrans();
