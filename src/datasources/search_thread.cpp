@@ -57,22 +57,22 @@ void TVynBaseComponentThread::Begin() {
     QueueUrgent([self = self_] {
         if (!*self) return;
         TVynBaseComponentThread& search = **self;
-        const auto end = [&] { Queue([self] { delete *self; }); };
-        try {
-            search.OnMainThread([&] { search.Look(); });
-            if (search.wait_ && !search.Terminated()) {
-                search.Resume();
-                return;
-            }
-        } catch (const std::system_error&) {
-            // The system has no thread left: nobody can wait.
-            search.DoExecute();
-        } catch (...) {
-            end();
-            throw;
-        }
-        end();
+        const bool waits = search.LookOrWait();
+        if (!waits) Queue([self] { delete *self; });
     });
+}
+
+bool TVynBaseComponentThread::LookOrWait() {
+    OnMainThread([this] { Look(); });
+    if (!wait_ || Terminated()) return false;
+    try {
+        Resume();
+        return true;
+    } catch (const std::system_error&) {
+        // The system has no thread left to wait on.
+        OnMainThread([this] { DoExecute(); });
+        return false;
+    }
 }
 
 void TVynBaseComponentThread::Execute() {
@@ -112,7 +112,12 @@ void TVynBaseComponentThread::CheckWait() {
     if (Application()->Terminated() || !link_) Terminate();
     if (Terminated()) return;
     bool terminate = false;
-    waitTime_(this, wait_, terminate);
+    try {
+        waitTime_(this, wait_, terminate);
+    } catch (...) {
+        wait_ = false;
+        Application()->HandleException(nullptr);
+    }
     // The callback may have let the link go.
     CheckLink();
     if (terminate || !link_) Terminate();

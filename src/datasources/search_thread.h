@@ -9,7 +9,8 @@
 
 namespace vyn {
 
-// Whether a search waits on: Wait comes false. TerminateThread ends it without a search. Main thread.
+// Whether a search waits on: Wait comes false. TerminateThread ends it without a search. What it raises is told, and
+// ends the wait. Main thread.
 using TVynThreadWaitTime = Event<void(TThread* Thread, bool& Wait, bool& TerminateThread)>;
 
 // A worker that waits for a pause in typing and then hands its work to the main thread. It looks at its deadline on the
@@ -51,6 +52,8 @@ class TVynBaseComponentThread : public TThread {
     void CheckWait();
     // One look, and the work when nothing is waited for.
     void Look();
+    // The first look; true when a thread waits on.
+    bool LookOrWait();
 
     // Null once this has gone.
     const std::shared_ptr<TVynBaseComponentThread*> self_;

@@ -28,6 +28,15 @@ TEST_F(LookupFaults, ALinkThatGoesDuringItsSearchEndsIt) {
     EXPECT_EQ(TakeLog(), "");
 }
 
+TEST_F(LookupFaults, ALinkThatCannotSayWhetherItWaitsDoesNot) {
+    Ready();
+    link->Unsure = true;
+    link->ThreadSearchNewValue(1000, "gas");
+    Settle();
+    EXPECT_EQ(TakeLog(), "locate Name=gas; values 1; told gas>Gasol");
+    expectedErrors = "unsure;";
+}
+
 TEST_F(LookupFaults, ALinkThatGoesBeforeItsSearchHasLookedEndsIt) {
     Ready();
     link->ThreadSearchNewValue(0, "gas");

@@ -176,8 +176,10 @@ class TCountedLink : public TVynDataLink {
         EXPECT_FALSE(terminate);
         EXPECT_TRUE(IsMainThread());
         EXPECT_NE(thread, nullptr);
+        if (Unsure) throw Exception("unsure");
     }
     int Checks = 0;
+    bool Unsure = false;
 };
 
 // An application whose node 1 has search screens as children 10 and 20, and an order with customers' codes.
