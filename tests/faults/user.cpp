@@ -11,15 +11,6 @@
 
 namespace faults {
 
-AnsiString MessageOf(const std::function<void()>& action) {
-    try {
-        action();
-    } catch (const Exception& error) {
-        return AnsiString(error.ClassName()) + ": " + error.Message();
-    }
-    return "no error";
-}
-
 testing::AssertionResult Says(const AnsiString& message, const AnsiString& sentence) {
     if (message.find(sentence) != AnsiString::npos) return testing::AssertionSuccess();
     return testing::AssertionFailure() << "\"" << message << "\" does not say \"" << sentence << "\"";

@@ -6,12 +6,11 @@
 #include <memory>
 
 #include "platform/access/ado.h"
+#include "support/errors.h"
 
 namespace faults {
 
 using namespace vyn;
-
-AnsiString MessageOf(const std::function<void()>& action);
 
 // Whether a sentence stands in a message.
 testing::AssertionResult Says(const AnsiString& message, const AnsiString& sentence);

@@ -4,6 +4,7 @@
 #include "platform/text/exceptions.h"
 #include "platform/text/format_settings.h"
 #include "providers/sqlite/connection.h"
+#include "support/errors.h"
 
 using namespace vyn;
 
@@ -33,13 +34,13 @@ class AdoDataSet : public testing::Test {
         table->SetTableName(name);
         return *table;
     }
-    static AnsiString MessageOf(const std::function<void()>& action) {
-        try {
-            action();
-        } catch (const Exception& error) {
-            return AnsiString(error.ClassName()) + ": " + error.Message();
-        }
-        return "no error";
+    // The orders, as a detail that is not open yet.
+    TADOTable& OrdersOf(TDataSource& master, const AnsiString& masterFields, const AnsiString& indexFields) {
+        TADOTable& orders = Table("comandes");
+        orders.SetMasterSource(&master);
+        orders.SetMasterFields(masterFields);
+        orders.SetIndexFieldNames(indexFields);
+        return orders;
     }
     static AnsiString Column(TDataSet& data, const AnsiString& name) {
         AnsiString text;
@@ -164,13 +165,10 @@ TEST_F(AdoDataSet, StatementsThatGiveNothingAreExecutedAndSayHowManyChanged) {
 
 TEST_F(AdoDataSet, ADetailTableFollowsByAllFieldsOfTheLink) {
     TADOTable& master = Table("clients");
-    TADOTable& detail = Table("comandes");
     TDataSource source(nullptr);
     source.SetDataSet(&master);
     master.Open();
-    detail.SetMasterSource(&source);
-    detail.SetMasterFields("id;zona");
-    detail.SetIndexFieldNames("client;zona");
+    TADOTable& detail = OrdersOf(source, "id;zona", "client;zona");
     detail.Open();
     EXPECT_EQ(Column(detail, "import"), "5");
     master.Next();
@@ -189,27 +187,21 @@ TEST_F(AdoDataSet, ADetailTableFollowsByAllFieldsOfTheLink) {
 
 TEST_F(AdoDataSet, FurtherIndexFieldsOrderTheDetail) {
     TADOTable& master = Table("clients");
-    TADOTable& detail = Table("comandes");
     TDataSource source(nullptr);
     source.SetDataSet(&master);
     master.Open();
-    detail.SetMasterSource(&source);
-    detail.SetMasterFields("id");
-    detail.SetIndexFieldNames("client;import");
+    TADOTable& detail = OrdersOf(source, "id", "client;import");
     detail.Open();
     EXPECT_EQ(Column(detail, "import"), "5,6");
 }
 
 TEST_F(AdoDataSet, DetailsThatAFailureClosedOpenAgainWithTheNextMove) {
     TADOTable& master = Table("clients");
-    TADOTable& table = Table("comandes");
     TADOQuery& query = Query("SELECT import FROM comandes WHERE client = :id ORDER BY import");
     TDataSource source(nullptr);
     source.SetDataSet(&master);
     master.Open();
-    table.SetMasterSource(&source);
-    table.SetMasterFields("id");
-    table.SetIndexFieldNames("client;import");
+    TADOTable& table = OrdersOf(source, "id", "client;import");
     query.SetDataSource(&source);
     table.Open();
     query.Open();
@@ -234,13 +226,10 @@ TEST_F(AdoDataSet, DetailsThatAFailureClosedOpenAgainWithTheNextMove) {
 
 TEST_F(AdoDataSet, AnUnknownMasterFieldIsNamed) {
     TADOTable& master = Table("clients");
-    TADOTable& detail = Table("comandes");
     TDataSource source(nullptr);
     source.SetDataSet(&master);
     master.Open();
-    detail.SetMasterSource(&source);
-    detail.SetMasterFields("nowhere");
-    detail.SetIndexFieldNames("client");
+    TADOTable& detail = OrdersOf(source, "nowhere", "client");
     EXPECT_EQ(MessageOf([&] { detail.Open(); }), "EDatabaseError: Field 'nowhere' not found");
 }
 

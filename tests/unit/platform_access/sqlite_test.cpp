@@ -11,6 +11,7 @@
 #include "platform/text/exceptions.h"
 #include "platform/text/format_settings.h"
 #include "providers/sqlite/connection.h"
+#include "support/errors.h"
 
 using namespace vyn;
 
@@ -32,14 +33,6 @@ class Sqlite : public testing::Test {
         query->SQL()->SetText(sql);
         query->Open();
         return query;
-    }
-    static AnsiString MessageOf(const std::function<void()>& action) {
-        try {
-            action();
-        } catch (const Exception& error) {
-            return AnsiString(error.ClassName()) + ": " + error.Message();
-        }
-        return "no error";
     }
 
     AnsiString file_;

@@ -6,6 +6,7 @@
 #include "platform/text/exceptions.h"
 #include "platform/text/format_settings.h"
 #include "providers/odbc/connection.h"
+#include "support/errors.h"
 
 using namespace vyn;
 
@@ -20,14 +21,6 @@ class Odbc : public testing::Test {
         connection.SetConnectionString("Provider=MSDASQL;Driver=SQLite3;Database=" + file_);
         connection.Execute("CREATE TABLE t (id INTEGER PRIMARY KEY, nom VARCHAR(20), nota VARCHAR(20))");
         connection.Execute("INSERT INTO t VALUES (1, 'a', 'b')");
-    }
-    static AnsiString MessageOf(const std::function<void()>& action) {
-        try {
-            action();
-        } catch (const Exception& error) {
-            return AnsiString(error.ClassName()) + ": " + error.Message();
-        }
-        return "no error";
     }
     std::unique_ptr<TADOQuery> Query(const AnsiString& sql) {
         auto query = std::make_unique<TADOQuery>(nullptr);

@@ -5,6 +5,7 @@
 #include "platform/text/format_settings.h"
 #include "providers/postgresql/connection.h"
 #include "servers/postgresql_cluster.h"
+#include "support/errors.h"
 
 using namespace vyn;
 
@@ -20,14 +21,6 @@ class Postgresql : public testing::Test {
         FormatSettings() = InvariantFormatSettings();
         connection.SetConnectionString(cluster_->ConnectionString());
         connection.Execute("DROP SCHEMA public CASCADE; CREATE SCHEMA public");
-    }
-    static AnsiString MessageOf(const std::function<void()>& action) {
-        try {
-            action();
-        } catch (const Exception& error) {
-            return AnsiString(error.ClassName()) + ": " + error.Message();
-        }
-        return "no error";
     }
     std::unique_ptr<TADOQuery> Query(const AnsiString& sql) {
         auto query = std::make_unique<TADOQuery>(nullptr);
